@@ -1,0 +1,49 @@
+// The plugin's key=value property file, "/odm/etc/PanelCorvane/panelcorvane".
+//
+// Format: lines end at a line feed; text after the last line feed is ignored. Empty lines and
+// lines starting with '#' are skipped, as are lines without '='. The key is everything before
+// the first '=', the value everything after; nothing is trimmed (a carriage return stays part
+// of the value). The first occurrence of a key wins, but every accepted line is counted.
+// Integers are read like atoi: leading blanks, optional sign, digits up to the first non-digit.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace snapdragoncolor {
+
+class Prop {
+ public:
+  static constexpr const char* kPath = "/odm/etc/PanelCorvane/panelcorvane";
+
+  bool Init();
+  bool readFileToString(const char* path, std::string* out);
+  uint32_t parsePropertyFile(std::string& content);
+  uint32_t split(const std::string& content, std::vector<std::string>& lines);
+
+  uint32_t GetPanelId(const char* name);
+  int32_t GetLogLevel();
+  int32_t GetParamVersion();
+  int32_t GetFWVersion();
+  bool IsPanelCalibrationOn();
+  bool IsPanelNitsCalibrationOn();
+  bool IsGammaCorrectionOn();
+  bool IsCMDebugOn();
+  const char* GetValueByKey(const char* key);
+  int GetValueByKey(const char* key, int defaultValue);
+
+  uint32_t entryCount() const { return mCount; }
+
+ private:
+  // Silent lookup used by the typed getters.
+  const std::string* find(const char* key) const;
+  int32_t intOr(const char* key, int32_t def) const;
+
+  std::map<std::string, std::string, std::less<>> mEntries;
+  uint32_t mCount = 0;
+};
+
+}  // namespace snapdragoncolor

@@ -1,0 +1,65 @@
+// Root of the plugin, backend and front-end classes: the process-wide state that the panels and
+// the control services share, and each object's display name and panel index.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+
+namespace snapdragoncolor {
+
+class Prop;
+
+class PanelCorvaneBase {
+ public:
+  // Image of one 510-byte .odf file: 127 little-endian floats, then the CRC-16 of bytes 0-507.
+  struct OpticalDataFile {
+    float values[127];
+    uint16_t crc;
+  };
+  // One mode's colour target (chromaticities, exponent, gamma-correction parameters).
+  struct TargetParm {
+    float values[20];
+  };
+  struct ODFErrorCheck {
+    float values[32];
+  };
+
+  PanelCorvaneBase();
+  virtual void generateCfgFile() {}
+  virtual void refresh() {}
+  virtual void dump() {}
+  virtual int set(int /*in_cmd*/) { return 0; }
+  virtual bool IsPaneIdMatched() { return false; }
+  virtual ~PanelCorvaneBase() = default;
+
+  // Shared by both panels and the service threads; each is one word written whole.
+  static std::atomic<uint32_t> sDebug;
+  static std::atomic<bool> sIsByPass;
+  static std::atomic<bool> sIsPanelCalibrationOn;
+  static std::atomic<bool> sIsPanelNitsCalibrationOn;
+  static std::atomic<bool> sIsGammaCorrectionOn;
+  static std::atomic<bool> sIsCMDebugOn;
+  static std::atomic<uint32_t> sParamVersion;
+  static std::atomic<uint32_t> sFWVersion;
+  static std::atomic<uint32_t> sBrightness;
+  static std::atomic<int32_t> sCFGMode;
+  static std::atomic<int32_t> sDEStatus;
+  static std::atomic<bool> sNeedUpdate;
+  static std::atomic<bool> sIsLut3dHook;
+  static std::atomic<bool> sIsHidlRegitsered;
+  static std::atomic<int32_t> sCurrentPanel;
+  static std::atomic<PanelCorvaneBase*> sPrimaryPanel;
+  static std::atomic<PanelCorvaneBase*> sSecondaryPanel;
+  static std::atomic<Prop*> sProp;
+  static std::mutex base_lock_;
+
+  static constexpr int kNumRefColors = 21;
+  uint32_t mRefColors[kNumRefColors][3];
+  char mName[256];
+  uint32_t mPanelIndex = 0;
+};
+
+static_assert(sizeof(PanelCorvaneBase::OpticalDataFile) >= 510, "odf image holds the whole file");
+
+}  // namespace snapdragoncolor

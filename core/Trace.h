@@ -1,0 +1,38 @@
+// Trace helpers over the platform's atrace calls.
+#pragma once
+
+#include <cutils/trace.h>
+
+#include "core/Log.h"
+
+namespace snapdragoncolor {
+
+inline bool traceTagEnabled() { return (atrace_get_enabled_tags() & 1) != 0; }
+
+// A section opened and at once closed, when log-mask bit 0x08 asks for it.
+inline void traceMark(const char* name) {
+  if (dbgOn(kDbgTrace) && traceTagEnabled()) {
+    atrace_begin_body(name);
+    atrace_end_body();
+  }
+}
+
+// A section spanning a scope, whenever the trace tag is enabled.
+class ScopedTrace {
+ public:
+  explicit ScopedTrace(const char* name) : on_(traceTagEnabled()) {
+    if (on_) atrace_begin_body(name);
+  }
+  ~ScopedTrace() { end(); }
+  void end() {
+    if (on_) atrace_end_body();
+    on_ = false;
+  }
+  ScopedTrace(const ScopedTrace&) = delete;
+  ScopedTrace& operator=(const ScopedTrace&) = delete;
+
+ private:
+  bool on_;
+};
+
+}  // namespace snapdragoncolor
