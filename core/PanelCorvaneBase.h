@@ -56,7 +56,9 @@ class PanelCorvaneBase {
 
   static constexpr int kNumRefColors = 21;
   uint32_t mRefColors[kNumRefColors][3];
-  char mName[256];
+  // The colour manager's display name: up to 256 characters, plus a terminator that is always
+  // there so the name can be printed safely.
+  char mName[257];
   uint32_t mPanelIndex = 0;
 };
 
