@@ -1,0 +1,114 @@
+// Reading and writing a panel's table cache file.
+//
+// Layout (native little-endian, no header, no padding):
+//   N x 117928 bytes  the lut3d_info records, byte for byte as in memory
+//   4 bytes each      source, panelId, paramVersion, checkSum
+// The file's length (16 + N x 117928) is its only version mark: it must equal FWVersion.
+// checkSum is the wrap-around sum of every table word plus source, panelId and paramVersion.
+#define LOG_TAG "PanelCorvaneCache"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#include "cache/Lut3DCacheManager.h"
+#include "core/DeviceIo.h"
+#include "core/Log.h"
+
+namespace snapdragoncolor {
+
+namespace {
+constexpr size_t kTrailerWords = Lut3DCacheManager::kTrailerBytes / sizeof(uint32_t);
+}  // namespace
+
+int32_t Lut3DCacheManager::loadCacheFromFile(unsigned panel, unsigned fwVersion, bool matched,
+                                             unsigned paramVersion) {
+  const int32_t failed = matched ? 1 : -1;
+  if (panel >= kNumPanels) return failed;
+  const char* path = cachePath(panel);
+
+  int fd = devio::open(path, O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return failed;
+  struct stat st {};
+  const int statRc = fstat(fd, &st);
+  close(fd);
+  if (statRc != 0) return failed;
+
+  const uint32_t n = sNumOfLut3D[panel].load(std::memory_order_relaxed);
+  const uint64_t length = static_cast<uint64_t>(st.st_size);
+  PC_LOGE("PANEL(%d) FW VERSION %u (%u,%u)\n", static_cast<int>(panel),
+          static_cast<unsigned>(length), fwVersion, fileSizeFor(n));
+  // The length check comes before any read: a file of another layout is never parsed.
+  if (length != fwVersion) {
+    PC_LOGE("FW VERSION MISMATCHING %u\n", static_cast<unsigned>(length));
+    return failed;
+  }
+
+  std::ifstream in(devio::path(path), std::ios::binary);
+  if (!in) return failed;
+  PanelCfgCache& cfg = sPCFGPanel[panel];
+  // Nothing to read into: an uninitialised (or released) panel never accepts a cache.
+  if (n == 0 || cfg.lutArray == nullptr) return failed;
+
+  const std::streamsize tableBytes = static_cast<std::streamsize>(n * sizeof(lut3d_info));
+  in.read(reinterpret_cast<char*>(cfg.lutArray), tableBytes);
+  bool complete = in.gcount() == tableBytes;
+  uint32_t trailer[kTrailerWords] = {};
+  in.read(reinterpret_cast<char*>(trailer), sizeof(trailer));
+  complete = complete && in.gcount() == static_cast<std::streamsize>(sizeof(trailer));
+  in.close();
+  cfg.source = trailer[0];
+  cfg.panelId = trailer[1];
+  cfg.paramVersion = trailer[2];
+  cfg.checkSum = trailer[3];
+
+  const uint32_t computed = checkSum(cfg.lutArray, n, cfg.source, cfg.panelId, cfg.paramVersion);
+  PC_LOGD("input check  %#x,PanelId:%d\n", computed, static_cast<int>(panel));
+  PC_LOGD("(%d)CHECK %#x =? %#x,Golden:%d Mat:%d %u(->%u)\n", static_cast<int>(panel), cfg.checkSum,
+          computed, static_cast<int>(cfg.source), matched ? 1 : 0, cfg.paramVersion, paramVersion);
+
+  // Source 2 (matched panel, golden data) matches neither state: such a cache is regenerated.
+  const bool sourceAgrees = matched ? cfg.source == 0 : cfg.source == 1;
+  if (complete && cfg.checkSum == computed && cfg.paramVersion == paramVersion && sourceAgrees) {
+    return 0;
+  }
+  return failed;
+}
+
+void Lut3DCacheManager::saveCfgToFile(unsigned panel) {
+  if (panel >= kNumPanels) return;
+  PanelCfgCache& cfg = sPCFGPanel[panel];
+  const uint32_t n = sNumOfLut3D[panel].load(std::memory_order_relaxed);
+  const char* path = cachePath(panel);
+  // Written beside the cache and renamed over it, so a reader never sees half a file.
+  const std::string tmpPath = std::string(path) + ".tmp";
+  const std::string hostTmp = devio::path(tmpPath.c_str());
+
+  std::ofstream out(hostTmp, std::ios::binary | std::ios::trunc);
+  const uint32_t count = cfg.lutArray != nullptr ? n : 0;
+  cfg.checkSum = checkSum(cfg.lutArray, count, cfg.source, cfg.panelId, cfg.paramVersion);
+  PC_LOGD("output check  %#x,PanelId:%d\n", cfg.checkSum, static_cast<int>(panel));
+
+  if (out.good() && count != 0) {
+    out.write(reinterpret_cast<const char*>(cfg.lutArray),
+              static_cast<std::streamsize>(count * sizeof(lut3d_info)));
+    const uint32_t trailer[kTrailerWords] = {cfg.source, cfg.panelId, cfg.paramVersion,
+                                             cfg.checkSum};
+    out.write(reinterpret_cast<const char*>(trailer), sizeof(trailer));
+    out.close();
+    if (out.fail() || std::rename(hostTmp.c_str(), devio::path(path).c_str()) != 0) {
+      std::remove(hostTmp.c_str());
+    }
+  } else if (out.is_open()) {
+    out.close();
+    std::remove(hostTmp.c_str());
+  }
+  PC_LOGE("PANEL(%d) FW VERSION %u\n", static_cast<int>(panel), fileSizeFor(n));
+}
+
+}  // namespace snapdragoncolor

@@ -1,0 +1,72 @@
+#define LOG_TAG "PanelCorvaneCache"
+
+#include "cache/Lut3DCacheManager.h"
+
+#include "core/Log.h"
+
+namespace snapdragoncolor {
+
+std::atomic<uint32_t> Lut3DCacheManager::sNumOfLut3D[kNumPanels] = {};
+PanelCfgCache Lut3DCacheManager::sPCFGPanel[kNumPanels];
+int32_t* Lut3DCacheManager::slut3dDeltaPanel[kNumPanels] = {};
+
+namespace {
+// Tables come in pairs (100 nits, full brightness); the debug switch adds the fourth pair.
+constexpr uint32_t kLutsWithCmDebug = 8;
+constexpr uint32_t kLutsDefault = 6;
+}  // namespace
+
+bool Lut3DCacheManager::init(unsigned panel, unsigned cmDebug) {
+  if (panel >= kNumPanels) return false;
+  PanelCfgCache& cfg = sPCFGPanel[panel];
+  if (sNumOfLut3D[panel].load(std::memory_order_relaxed) != 0) {
+    PC_LOGE("panel %d has initialized\n", static_cast<int>(panel));
+    return cfg.lutArray != nullptr && slut3dDeltaPanel[panel] != nullptr;
+  }
+  const uint32_t n = cmDebug ? kLutsWithCmDebug : kLutsDefault;
+  // Zeroed although nothing relies on it: keeps memory checkers quiet about a never-filled pair.
+  cfg.lutArray = new lut3d_info[n]();
+  slut3dDeltaPanel[panel] = new int32_t[static_cast<size_t>(n) * 3 * kLut3dEntries]();
+  sNumOfLut3D[panel].store(n, std::memory_order_relaxed);
+  PC_LOGD("Num of Lut3D is %d,Panel(%d)\n", static_cast<int>(n), static_cast<int>(panel));
+  return true;
+}
+
+void Lut3DCacheManager::deInit(unsigned panel) {
+  if (panel >= kNumPanels) return;
+  // N is deliberately kept: a later init of this panel reports it and allocates nothing.
+  delete[] sPCFGPanel[panel].lutArray;
+  sPCFGPanel[panel].lutArray = nullptr;
+  delete[] slut3dDeltaPanel[panel];
+  slut3dDeltaPanel[panel] = nullptr;
+}
+
+int Lut3DCacheManager::getLutArrayPointer(unsigned panel, lut3d_info** out) {
+  if (panel >= kNumPanels) {
+    if (out != nullptr) *out = nullptr;
+    return 0;
+  }
+  lut3d_info* arr = sPCFGPanel[panel].lutArray;
+  if (out != nullptr) *out = arr;
+  // After deInit the count survives but the tables do not: report nothing to copy from.
+  return arr == nullptr ? 0 : static_cast<int>(sNumOfLut3D[panel].load(std::memory_order_relaxed));
+}
+
+uint32_t Lut3DCacheManager::checkSum(const lut3d_info* luts, uint32_t count, uint32_t source,
+                                     uint32_t panelId, uint32_t paramVersion) {
+  uint32_t sum = 0;  // unsigned: wraps modulo 2^32 by definition
+  for (uint32_t t = 0; luts != nullptr && t < count; ++t) {
+    const lut3d_info& l = luts[t];
+    sum += l.flags + l.lut3d_id + l.uniform + l.num_entries;
+    for (const lut3d_entry& e : l.entries) {
+      sum += e.in[0] + e.in[1] + e.in[2] + e.out[0] + e.out[1] + e.out[2];
+    }
+  }
+  return sum + source + panelId + paramVersion;
+}
+
+const char* Lut3DCacheManager::cachePath(unsigned panel) {
+  return panel == 0 ? "/data/vendor/display/cofc.fw" : "/data/vendor/display/cofc2.fw";
+}
+
+}  // namespace snapdragoncolor
