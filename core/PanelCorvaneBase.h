@@ -59,7 +59,7 @@ class PanelCorvaneBase {
   // The colour manager's display name: up to 256 characters, plus a terminator that is always
   // there so the name can be printed safely.
   char mName[257];
-  uint32_t mPanelIndex = 0;
+  std::atomic<uint32_t> mPanelIndex{0};  // written by Init while the worker may read it
 };
 
 static_assert(sizeof(PanelCorvaneBase::OpticalDataFile) >= 510, "odf image holds the whole file");
