@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "cache/DeltaApply.h"
 #include "cache/Lut3DCacheManager.h"
 #include "core/DeviceIo.h"
 #include "core/Log.h"
@@ -115,19 +116,13 @@ void Lut3DCacheManager::calLut3d(unsigned panel, unsigned lutIndex, unsigned bri
     return;
   }
 
-  const lut3d_info& base = luts[lutIndex - 1];
-  lut3d_info& target = luts[lutIndex];
   const int32_t* block = deltas + kDeltaBlockWords * (lutIndex / 2);
-  for (uint32_t i = 0; i < kLut3dEntries; ++i) {
-    lut3d_entry& e = target.entries[i];
-    for (int c = 0; c < 3; ++c) {
-      // Q12: the product wraps as a signed 32-bit value, then shifts arithmetically (toward
-      // minus infinity for negative deltas).
-      const int32_t product =
-          static_cast<int32_t>(static_cast<uint32_t>(block[c * kLut3dEntries + i]) * w);
-      e.out[c] = base.entries[i].out[c] + static_cast<uint32_t>(product >> 12);
+  lut3d_info& target = luts[lutIndex];
+  applyDeltaQ12(luts[lutIndex - 1], target, block, w);
+  if (dump) {
+    for (const lut3d_entry& e : target.entries) {
+      fprintf(dump.get(), "%u %u %u\n", e.out[0], e.out[1], e.out[2]);
     }
-    if (dump) fprintf(dump.get(), "%u %u %u\n", e.out[0], e.out[1], e.out[2]);
   }
   if (dbgOn(kDbgVerbose)) PC_LOGD("calLut3d ---\n");
 }

@@ -1,0 +1,227 @@
+// Lifecycle and dispatch of the colour manager's five operations.
+#define LOG_TAG "PanelCorvane"
+
+#include "core/PanelCorvane.h"
+
+#include <utils/CallStack.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "backend/PanelCorvaneBE.h"
+#include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
+#include "core/DeviceIo.h"
+#include "core/Log.h"
+#include "core/Trace.h"
+#include "frontend/PanelCorvaneFE.h"
+
+namespace snapdragoncolor {
+
+namespace {
+constexpr uint32_t kPayloadVersion = 24;
+constexpr uint32_t kOwnModeListHeader = 96;
+
+void callStackIf(bool on) {
+  if (on) android::CallStack stack(LOG_TAG);
+}
+}  // namespace
+
+PanelCorvane::PanelCorvane() {
+  callStackIf(dbgOn(kDbgCallStack));
+  mPropHandlers[kModeList] = &PanelCorvane::GetModeList;
+  mPropHandlers[kNeedsUpdate] = &PanelCorvane::GetNeedsUpdate;
+  mPropHandlers[kSupportToneMap] = &PanelCorvane::GetSupportTonemap;
+  mOpHandlers[kScModeRenderIntent] = &PanelCorvane::ProcessModeRenderIntent;
+  mOpHandlers[kScModeSwAssets] = &PanelCorvane::ProcessModeSwAssets;
+  mModeList.version = kOwnModeListHeader;
+}
+
+PanelCorvane::~PanelCorvane() { stopWorker(); }
+
+void PanelCorvane::stopWorker() {
+  if (mThread == nullptr) return;
+  mWorkerRunning = false;
+  if (mQueue && mQueue->looper() != nullptr) mQueue->looper()->wake();
+  mThread->join();
+  mThread.clear();
+}
+
+int PanelCorvane::Init(const std::string& name) {
+  ColorMode standard;
+  standard.gamut = 255;
+  standard.gamma = 255;
+  standard.intent = 65534;
+  standard.name = "standard";
+  mModeList.list.push_back(standard);
+  mInitDone = true;
+
+  {
+    std::lock_guard<std::mutex> lock(base_lock_);
+    if (sProp.load() == nullptr) {
+      Prop* prop = new Prop();
+      sProp = prop;
+      sIsByPass = !prop->Init();
+      sIsPanelCalibrationOn = prop->IsPanelCalibrationOn();
+      sIsPanelNitsCalibrationOn = prop->IsPanelNitsCalibrationOn();
+      sIsGammaCorrectionOn = prop->IsGammaCorrectionOn();
+      sIsCMDebugOn = prop->IsCMDebugOn();
+      sDebug = static_cast<uint32_t>(prop->GetLogLevel());
+      sParamVersion = static_cast<uint32_t>(prop->GetParamVersion());
+      sFWVersion = static_cast<uint32_t>(prop->GetFWVersion());
+    }
+  }
+
+  if (sIsByPass) {
+    PC_LOGD("bypass!\n");
+    initHidlService();
+    return 0;
+  }
+  PC_LOGD("init\n");
+
+  stopWorker();
+  mWorkerRunning = true;
+  mQueue = std::make_unique<impl::MessageQueue>();
+  mQueue->init(this);
+  mThread = android::sp<MessageQueueThread>::make(this);
+  // The worker takes the name the buffer holds now, before the new name is copied in.
+  mThread->run(mName, android::PRIORITY_DEFAULT, 0);
+  mQueue->sendMessage(kMsgHelpServiceInit);
+
+  std::strncpy(mName, name.c_str(), 256);
+  mName[256] = '\0';
+  if (Prop* prop = sProp.load()) mPanelIndex = prop->GetPanelId(mName);
+
+  PanelCorvaneBase* expected = nullptr;
+  bool registered = false;
+  if (mPanelIndex == 0) {
+    registered = sPrimaryPanel.compare_exchange_strong(expected, this);
+  } else if (mPanelIndex == 1) {
+    registered = sSecondaryPanel.compare_exchange_strong(expected, this);
+  }
+  if (!registered) PC_LOGE("warning: reinit panel, cfg error!\n");
+
+  if (sIsPanelCalibrationOn) {
+    mBE = std::make_unique<PanelCorvaneBE>(this);
+    mFE = std::make_unique<PanelCorvaneFE>(this, mPanelIndex);
+    mQueue->sendMessage(kMsgLoad3dLut);
+  }
+
+  PC_LOGD("%s DONE(%d)! logl:%d\n", mName, static_cast<int>(mTablesReady.load()),
+          static_cast<int>(sDebug.load()));
+  callStackIf(dbgOn(kDbgCallStack));
+  return 0;
+}
+
+int PanelCorvane::DeInit() {
+  PC_LOGD("Warning...\n");
+  { android::CallStack stack(LOG_TAG); }
+  {
+    std::lock_guard<std::mutex> lock(mLock);
+    if (mInitDone) {
+      mInitDone = false;
+      mWorkerRunning = false;
+      if (mQueue) mQueue->sendMessage(kMsgWake);
+      if (mThread != nullptr) {
+        mThread->join();
+        mThread.clear();
+      }
+      Lut3DCacheManager::deInit(mPanelIndex);
+      PC_LOGD("DeInit done!\n");
+    }
+    std::lock_guard<std::mutex> baseLock(base_lock_);
+    delete sProp.exchange(nullptr);
+  }
+  devio::sleepSeconds(1);
+  return 0;
+}
+
+int PanelCorvane::SetProperty(const ScPayload& payload) {
+  if (dbgOn(kDbgEntry)) PC_LOGD("start\n");
+  callStackIf(dbgOn(kDbgCallStack));
+  traceMark("SetProperty");
+  if (sIsByPass) {
+    if (dbgOn(kDbgVerbose)) PC_LOGD("bypass!\n");
+    return 0;
+  }
+  if (!mInitDone || payload.version != kPayloadVersion) {
+    PC_LOGD("init_done_:%d payload.version: %d %d\n", static_cast<int>(mInitDone.load()),
+            payload.version, kPayloadVersion);
+    return 0;
+  }
+  if (payload.prop == kSetPanelBrightness && payload.payload != 0) {
+    double fraction = *reinterpret_cast<const double*>(static_cast<uintptr_t>(payload.payload));
+    double level = fraction * 10239.0 + 1.0;
+    // Truncate toward zero, then clamp; NaN counts as the lowest level.
+    uint32_t brightness = 0;
+    if (level >= 8191.0) {
+      brightness = 8191;
+    } else if (level >= 1.0) {
+      brightness = static_cast<uint32_t>(level);
+    }
+    sBrightness = brightness;
+    if (dbgOn(kDbgVerbose)) PC_LOGD("brightness:%d\n", static_cast<int>(brightness));
+  }
+  return 0;
+}
+
+int PanelCorvane::GetProperty(ScPayload* payload) {
+  if (dbgOn(kDbgEntry)) PC_LOGD("start\n");
+  callStackIf(dbgOn(kDbgCallStack));
+  if (sIsByPass) {
+    if (dbgOn(kDbgVerbose)) PC_LOGD("bypass!\n");
+    return 0;
+  }
+  if (!mInitDone) {
+    PC_LOGD("not init.\n");
+    return 0;
+  }
+  std::lock_guard<std::mutex> lock(mLock);
+  if (!mInitDone) {
+    PC_LOGD("not init!\n");
+    return 0;
+  }
+  if (payload == nullptr || payload->version != kPayloadVersion) {
+    PC_LOGE("payload error!\n");
+    return 0;
+  }
+  if (payload->prop == kSetPanelBrightness && sIsPanelNitsCalibrationOn) {
+    return kSetPanelBrightness;  // asks the colour manager for brightness updates
+  }
+  auto it = mPropHandlers.find(static_cast<ScProperty>(payload->prop));
+  if (dbgOn(kDbgEntry)) PC_LOGD("%d\n", payload->prop);
+  if (it == mPropHandlers.end() || it->second == nullptr) {
+    PC_LOGD("prop is not supported:%d\n", payload->prop);
+    return 0;
+  }
+  return (this->*(it->second))(payload);
+}
+
+int PanelCorvane::ProcessOps(ScOps op, const ScPayload& input, ScPayload* output) {
+  if (dbgOn(kDbgEntry)) PC_LOGD("start\n");
+  callStackIf(dbgOn(kDbgCallStack));
+  if (sIsByPass) {
+    if (dbgOn(kDbgVerbose)) PC_LOGD("bypass!\n");
+    return 0;
+  }
+  if (!mInitDone) {
+    PC_LOGD("not init.\n");
+    return 0;
+  }
+  std::lock_guard<std::mutex> lock(mLock);
+  traceMark("ProcessOps");
+  if (dbgOn(kDbgVerbose)) PC_LOGD("Process Ops called, op = %d\n", static_cast<int>(op));
+  if (output == nullptr || !mInitDone) {
+    PC_LOGE("Invalid params init_done_ %d output %pK\n", static_cast<int>(mInitDone.load()),
+            static_cast<void*>(output));
+    return 0;
+  }
+  auto it = mOpHandlers.find(op);
+  if (it == mOpHandlers.end() || it->second == nullptr) {
+    PC_LOGE("Invalid ops %d\n", static_cast<int>(op));
+    return 0;
+  }
+  return (this->*(it->second))(input, output);
+}
+
+}  // namespace snapdragoncolor

@@ -1,0 +1,133 @@
+// The plugin object handed to the colour manager, one per display. It is also the HIDL service
+// object of the control interface and reaches its backend, front end and worker.
+#pragma once
+
+#include <IQService.h>
+#include <utils/Thread.h>
+#include <vendor/display/PanelCorvane/1.0/IPanelCorvane.h>
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "core/MessageQueue.h"
+#include "core/PanelCorvaneBase.h"
+#include "snapdragoncolor/sc_color_records.h"
+#include "snapdragoncolor/sc_post_blend_interface.h"
+
+namespace snapdragoncolor {
+
+class PanelCorvaneBE;
+class PanelCorvaneFE;
+
+class PanelCorvane : public ScPostBlendInterface,
+                     public ::vendor::display::PanelCorvane::V1_0::IPanelCorvane,
+                     public PanelCorvaneBase {
+ public:
+  using hidl_vec_i32 = ::android::hardware::hidl_vec<int32_t>;
+
+  // Message numbers of the worker queue.
+  enum : int { kMsgWake = 0, kMsgRefresh = 1, kMsgHelpServiceInit = 2, kMsgLoad3dLut = 3 };
+  static constexpr int kScreenRefreshCommand = 20;
+
+  PanelCorvane();
+  ~PanelCorvane() override;
+
+  // Colour manager operations.
+  int Init(const std::string& name) override;
+  int DeInit() override;
+  int SetProperty(const ScPayload& payload) override;
+  int GetProperty(ScPayload* payload) override;
+  int ProcessOps(ScOps op, const ScPayload& input, ScPayload* output) override;
+
+  // HIDL control interface.
+  ::android::hardware::Return<int32_t> configureSet(int32_t command,
+                                                    const hidl_vec_i32& args) override;
+  ::android::hardware::Return<void> configureGet(int32_t type, const hidl_vec_i32& args,
+                                                 configureGet_cb _hidl_cb) override;
+
+  // Panel-instance operations the control services reach through sPrimaryPanel/sSecondaryPanel.
+  void generateCfgFile() override;
+  bool IsPaneIdMatched() override;
+  void refresh() override;
+  int set(int in_cmd) override;
+  void dump() override;
+
+  int SetScreenColorMode(int mode);
+  int cmd10000(int cmd);
+  // The shared state, one DEBUG line per value, then dump() of both panels; `fn` names the
+  // caller in the lines.
+  static void dumpState(const char* fn);
+
+  // Worker.
+  void initHelpService();
+  void load3dLut();
+  void onMessageReceived(int what);
+  bool threadLoop();
+  int onRefresh();
+  void onHelpServiceInit();
+  void onLoad3dLut();
+  void initHidlService();
+  void initAidlService();
+
+  class MessageQueueThread : public android::Thread {
+   public:
+    explicit MessageQueueThread(PanelCorvane* owner) : android::Thread(true), mOwner(owner) {}
+    bool threadLoop() override;
+
+   private:
+    PanelCorvane* mOwner;
+  };
+
+  class MixLut3DAidl;
+  static std::shared_ptr<MixLut3DAidl> mAidl;
+
+  // Property and op handlers.
+  int GetModeList(ScPayload* payload);
+  int GetNeedsUpdate(ScPayload* payload);
+  int GetSupportTonemap(ScPayload* payload);
+  int ProcessModeRenderIntent(const ScPayload& input, ScPayload* output);
+  int ProcessModeSwAssets(const ScPayload& input, ScPayload* output);
+
+  // Read by tests and the host tool.
+  bool initDone() const { return mInitDone.load(std::memory_order_relaxed); }
+  bool tablesReady() const { return mTablesReady.load(std::memory_order_relaxed); }
+  int32_t lastGenerationResult() const { return mLastGenResult.load(std::memory_order_relaxed); }
+  int32_t previousMode() const { return mPreMode; }
+  bool fodOn() const { return mFodOn.load(std::memory_order_relaxed); }
+  const ColorModeList& modeList() const { return mModeList; }
+  impl::MessageQueue* queue() const { return mQueue.get(); }
+  PanelCorvaneBE* backend() const { return mBE.get(); }
+  PanelCorvaneFE* frontend() const { return mFE.get(); }
+
+ private:
+  using PropHandler = int (PanelCorvane::*)(ScPayload*);
+  using OpHandler = int (PanelCorvane::*)(const ScPayload&, ScPayload*);
+
+  // Stops a worker left running by an Init that was not followed by DeInit.
+  void stopWorker();
+  int chooseMode(int gamut, int intent);
+
+  std::map<ScProperty, PropHandler> mPropHandlers;
+  std::map<ScOps, OpHandler> mOpHandlers;
+  std::mutex mLock;
+  std::unique_ptr<impl::MessageQueue> mQueue;
+  std::unique_ptr<PanelCorvaneBE> mBE;
+  std::unique_ptr<PanelCorvaneFE> mFE;
+  std::atomic<bool> mInitDone{false};
+  ColorModeList mModeList;
+  std::atomic<bool> mWorkerRunning{false};
+  std::atomic<bool> mTablesReady{false};
+  std::atomic<int32_t> mLastGenResult{-1};
+  std::atomic<bool> mFodOn{false};
+  int32_t mPreGamut = -1;
+  int32_t mPreIntent = -1;
+  int32_t mPreMode = -1;
+  uint32_t mLastTableBrightness = 0;
+  android::sp<qService::IQService> mQService;
+  android::sp<MessageQueueThread> mThread;
+};
+
+}  // namespace snapdragoncolor

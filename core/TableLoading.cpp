@@ -1,0 +1,27 @@
+// Message 3: make the panel's tables ready, from the cache when it is valid, else generated.
+#define LOG_TAG "PanelCorvane"
+
+#include "backend/PanelCorvaneBE.h"
+#include "core/Log.h"
+#include "core/PanelCorvane.h"
+#include "frontend/PanelCorvaneFE.h"
+
+namespace snapdragoncolor {
+
+void PanelCorvane::onLoad3dLut() {
+  if (mTablesReady) return;
+  if (!mBE || !mFE) return;
+  int result = mBE->loadCfgFile(mBE->isPaneIdMatched());
+  if (result == 0) {
+    mTablesReady = true;
+    PC_LOGD("loadCfgFile done!\n");
+  } else if (mFE->generateCfgFile(result) >= 0) {
+    mBE->calLut3dDelta();
+    mTablesReady = true;
+    PC_LOGD("generateCfgFile done!\n");
+  }
+  PC_LOGD("panel:%d init (%d)\n", static_cast<int>(mPanelIndex),
+          static_cast<int>(mTablesReady.load()));
+}
+
+}  // namespace snapdragoncolor

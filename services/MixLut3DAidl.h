@@ -1,0 +1,20 @@
+// The AIDL MixLut3D service object: forwards commands to a panel instance's set().
+#pragma once
+
+#include <aidl/vendor/tarnu/hardware/display/MixLut3D/BnMixLut3D.h>
+
+#include <vector>
+
+#include "core/PanelCorvane.h"
+
+namespace snapdragoncolor {
+
+class PanelCorvane::MixLut3DAidl
+    : public ::aidl::vendor::tarnu::hardware::display::MixLut3D::BnMixLut3D {
+ public:
+  ::ndk::ScopedAStatus set(int32_t in_disp, int32_t in_cmd, int32_t* _aidl_return) override;
+  ::ndk::ScopedAStatus sencept(int32_t in_a, int32_t in_b, const std::vector<int32_t>& in_in,
+                               std::vector<int32_t>* out_out, int32_t* _aidl_return) override;
+};
+
+}  // namespace snapdragoncolor

@@ -1,0 +1,51 @@
+// Message 2: publish the control services and find the display service, with retries while
+// the system's service managers are still starting.
+#define LOG_TAG "PanelCorvane"
+
+#include <binder/IServiceManager.h>
+#include <utils/String16.h>
+
+#include "core/DeviceIo.h"
+#include "core/Log.h"
+#include "core/PanelCorvane.h"
+
+namespace snapdragoncolor {
+
+namespace {
+constexpr int kAttempts = 5;
+}  // namespace
+
+void PanelCorvane::onHelpServiceInit() {
+  initHidlService();
+  initAidlService();
+  if (mQService != nullptr) return;
+  for (int attempt = 1; attempt <= kAttempts; ++attempt) {
+    android::sp<android::IServiceManager> sm = android::defaultServiceManager();
+    android::sp<android::IBinder> binder =
+        sm != nullptr ? sm->getService(android::String16("display.qservice")) : nullptr;
+    mQService = android::interface_cast<qService::IQService>(binder);
+    if (mQService != nullptr) {
+      PC_LOGD("Qservice done!\n");
+      return;
+    }
+    if (attempt < kAttempts) devio::sleepSeconds(1);
+    PC_LOGE("Failed to acquire display.qservice\n");
+  }
+}
+
+void PanelCorvane::initHidlService() {
+  if (mPanelIndex != 0 || sIsHidlRegitsered) return;
+  for (int attempt = 1; attempt <= kAttempts; ++attempt) {
+    if (registerAsService("default") == android::OK) {
+      PC_LOGD("register hidl done!\n");
+      sIsHidlRegitsered = true;
+      return;
+    }
+    PC_LOGE("Failed to register hidl!\n");
+    if (attempt == kAttempts) return;
+    devio::sleepSeconds(1);
+    if (sIsHidlRegitsered) return;  // another panel's worker got there first
+  }
+}
+
+}  // namespace snapdragoncolor

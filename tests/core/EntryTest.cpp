@@ -1,0 +1,62 @@
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "snapdragoncolor/sc_post_blend_interface.h"
+#include "tests/support/TestSupport.h"
+
+namespace {
+
+TEST(EntryTest, OnlyVersionTwoZeroIsServed) {
+  pctest::resetSharedState();
+  pctest::LogCapture log;
+  for (auto [major, minor] : {std::pair{2, 1}, std::pair{1, 0}, std::pair{3, 0}}) {
+    EXPECT_EQ(GetScPostBlendInterface(major, minor), nullptr);
+    EXPECT_TRUE(log.has("Invalid major_version " + std::to_string(major) + " minor_version " +
+                        std::to_string(minor)));
+  }
+  std::unique_ptr<snapdragoncolor::ScPostBlendInterface> plugin(GetScPostBlendInterface(2, 0));
+  ASSERT_NE(plugin, nullptr);
+  // Never initialised: bypass is the default, so everything answers 0 without a line.
+  log.clear();
+  snapdragoncolor::ScPayload payload;
+  payload.prop = 1;
+  EXPECT_EQ(plugin->GetProperty(&payload), 0);
+  EXPECT_EQ(plugin->ProcessOps(snapdragoncolor::kScModeRenderIntent, payload, &payload), 0);
+  EXPECT_TRUE(log.lines().empty()) << log.dump();
+}
+
+TEST(EntryTest, PluginExportsExactlyTheEntry) {
+  std::string lib = std::string(PC_BUILD_DIR) + "/libPanelCorvane.so";
+  std::string cmd = "nm -D --defined-only " + lib + " 2>&1";
+  FILE* pipe = popen(cmd.c_str(), "r");
+  ASSERT_NE(pipe, nullptr);
+  std::set<std::string> symbols;
+  char line[1024];
+  while (fgets(line, sizeof(line), pipe) != nullptr) {
+    std::string s(line);
+    size_t sp = s.rfind(' ');
+    std::string name = s.substr(sp + 1);
+    while (!name.empty() && (name.back() == '\n' || name.back() == '\r')) name.pop_back();
+    // Symbols of the toolchain's own start-up and sanitizer runtimes are not the plugin's.
+    bool toolchain = name.rfind("_", 0) == 0 && name.rfind("_Z", 0) != 0;
+    if (toolchain || name.find("@") != std::string::npos) continue;
+    symbols.insert(name);
+  }
+  pclose(pipe);
+  EXPECT_EQ(symbols, std::set<std::string>{"GetScPostBlendInterface"});
+
+  void* handle = dlopen(lib.c_str(), RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(handle, nullptr) << dlerror();
+  auto get = reinterpret_cast<snapdragoncolor::GetScPostBlendInterfaceFn>(
+      dlsym(handle, "GetScPostBlendInterface"));
+  ASSERT_NE(get, nullptr);
+  EXPECT_EQ(dlsym(handle, "_ZN15snapdragoncolor16PanelCorvaneBase6sDebugE"), nullptr);
+  dlclose(handle);
+}
+
+}  // namespace
