@@ -1,0 +1,45 @@
+// panelcorvane inspect: what a file is and what matters in it.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "tools/cli/Command.h"
+#include "tools/lib/Inspect.h"
+
+namespace pctool {
+namespace {
+
+const char kHelp[] =
+    "usage: panelcorvane inspect FILE\n"
+    "\n"
+    "Recognises the file and prints what matters:\n"
+    "  optical data (.odf)  CRC verdict with both values, primaries and white (XYZ, xy), the\n"
+    "                       grey ramp with its exponents\n"
+    "  table cache          tables, trailer (source, panel, parameter version), checksum verdict\n"
+    "                       with both values, the FWVersion the property file needs; per table\n"
+    "                       its header, output ranges and the plugin's dE76 verdict\n"
+    "  LUT text file, .cube the table's header, grid, output ranges and dE76 verdict\n"
+    "  mode target          chromaticities, exponent, gamma-correction parameters\n"
+    "\n"
+    "Exit status: 0 the file is sound, 1 it is not (one-line reason on stderr), 2 bad usage.\n";
+
+int run(const std::vector<std::string>& args) {
+  if (args.size() != 1 || (args[0].size() > 1 && args[0][0] == '-')) {
+    fprintf(stderr, "panelcorvane inspect: needs exactly one FILE\n%s", kHelp);
+    return kUsage;
+  }
+  std::string text, error;
+  bool ok = inspectFile(args[0], text, error);
+  fputs(text.c_str(), stdout);
+  if (!ok) {
+    fflush(stdout);
+    fprintf(stderr, "panelcorvane inspect: %s: %s\n", args[0].c_str(), error.c_str());
+    return kBadInput;
+  }
+  return kOk;
+}
+
+static Registrar reg({"inspect", "tell what a file is (.odf, table cache, LUT text, .cube, target)", kHelp, run});
+
+}  // namespace
+}  // namespace pctool

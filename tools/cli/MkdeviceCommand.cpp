@@ -1,0 +1,97 @@
+// `mkdevice DIR [options]`: a synthetic device tree for PANELCORVANE_ROOT.
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "tools/cli/Command.h"
+#include "tools/lib/SyntheticDevice.h"
+
+namespace pctool {
+namespace {
+
+const char kHelp[] =
+    "usage: panelcorvane mkdevice DIR [--seed N] [--tables 6|8] [--primary NAME]\n"
+    "                             [--secondary NAME] [--param-version N] [--no-gamma]\n"
+    "                             [--no-100nits] [--no-local] [--mismatch]\n"
+    "\n"
+    "Writes a synthetic device tree under DIR, for use as PANELCORVANE_ROOT: the property\n"
+    "file, golden and local optical data of two wide-gamut OLED-like panels (varied by\n"
+    "--seed, default 1), the Vivid, Nature, Cinema and LsRGB targets with their 100-nit\n"
+    "variants, the panel identity stamps and the matching serial numbers in /dev/tarnu_display.\n"
+    "\n"
+    "  --tables 6|8        8 (default): CMDebug=1, FWVersion=943440; 6: CMDebug=0,\n"
+    "                      FWVersion=707584 and no LsRGB targets\n"
+    "  --primary NAME      display name of panel 0 (default PanelCorvane_primary)\n"
+    "  --secondary NAME    display name of panel 1 (default PanelCorvane_secondary)\n"
+    "  --param-version N   ParamVersion (default 1)\n"
+    "  --no-gamma          GammaCorrection=0\n"
+    "  --no-100nits        inParam100nits=0\n"
+    "  --no-local          leave out the persist partition's optical data\n"
+    "  --mismatch          identity stamps that do not match the serial numbers\n"
+    "\n"
+    "exit status: 0 ok, 1 a file could not be written, 2 bad usage\n";
+
+bool parseUnsigned(const std::string& s, unsigned* out) {
+  if (s.empty() || s[0] == '-' || s[0] == '+') return false;
+  errno = 0;
+  char* end = nullptr;
+  const unsigned long v = std::strtoul(s.c_str(), &end, 10);
+  if (*end != '\0' || errno != 0 || v > 0xFFFFFFFFul) return false;
+  *out = static_cast<unsigned>(v);
+  return true;
+}
+
+int usage(const std::string& why) {
+  fprintf(stderr, "panelcorvane mkdevice: %s\n", why.c_str());
+  return kUsage;
+}
+
+int run(const std::vector<std::string>& args) {
+  SyntheticDeviceOptions o;
+  std::string dir;
+  for (size_t i = 0; i < args.size(); ++i) {
+    const std::string& a = args[i];
+    const bool hasValue = i + 1 < args.size();
+    unsigned n = 0;
+    if (a == "--seed" || a == "--tables" || a == "--param-version") {
+      if (!hasValue || !parseUnsigned(args[i + 1], &n)) return usage(a + " needs a number");
+      ++i;
+      if (a == "--seed") o.seed = n;
+      if (a == "--param-version") o.paramVersion = n;
+      if (a == "--tables") {
+        if (n != 6 && n != 8) return usage("--tables must be 6 or 8");
+        o.tables = static_cast<int>(n);
+      }
+    } else if (a == "--primary" || a == "--secondary") {
+      if (!hasValue || args[i + 1].empty() || args[i + 1].find_first_of("=\n/") != std::string::npos)
+        return usage(a + " needs a name without '=', '/' or line feed");
+      (a == "--primary" ? o.primaryName : o.secondaryName) = args[++i];
+    } else if (a == "--no-gamma") {
+      o.gammaCorrection = false;
+    } else if (a == "--no-100nits") {
+      o.in100nits = false;
+    } else if (a == "--no-local") {
+      o.localData = false;
+    } else if (a == "--mismatch") {
+      o.matched = false;
+    } else if (!a.empty() && a[0] == '-') {
+      return usage("unknown option '" + a + "'");
+    } else if (dir.empty()) {
+      dir = a;
+    } else {
+      return usage("only one DIR expected");
+    }
+  }
+  if (dir.empty()) return usage("DIR missing");
+  std::string error;
+  if (!writeSyntheticDevice(dir, o, &error)) {
+    fprintf(stderr, "panelcorvane mkdevice: %s\n", error.c_str());
+    return kBadInput;
+  }
+  return kOk;
+}
+
+Registrar reg({"mkdevice", "write a synthetic device tree", kHelp, run});
+
+}  // namespace
+}  // namespace pctool

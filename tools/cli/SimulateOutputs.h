@@ -1,0 +1,33 @@
+// What `simulate` leaves in its output folder: one .cube per distinct table a frame got, the
+// report pages and the session log.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "snapdragoncolor/sc_color_records.h"
+
+namespace pctool {
+
+class SimulateOutputs {
+ public:
+  explicit SimulateOutputs(std::filesystem::path out) : mOut(std::move(out)) {}
+  // Remembers a table applied to `panel`; returns the .cube file name it is written to.
+  std::string recordTable(int panel, const snapdragoncolor::lut3d_info& lut);
+  // Writes the .cube files and the report, and prints where they are.
+  void finish(const std::vector<std::string>& logLines, const std::string& primary,
+              const std::string& secondary);
+
+ private:
+  struct Table {
+    int panel;
+    std::string file;
+    snapdragoncolor::lut3d_info lut;
+  };
+  std::filesystem::path mOut;
+  std::map<uint64_t, Table> mTables;
+};
+
+}  // namespace pctool

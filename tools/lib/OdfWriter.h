@@ -1,0 +1,64 @@
+// Optical data (.odf) images for host tools: 510 bytes, little-endian, 127 floats then the
+// CRC-16/CCITT-FALSE of bytes 0-507. Positions the plugin reads: white XYZ 4-6, grey-ramp
+// luminance at 5 + 6k for grey level 4095 - 512k (k = 0..7, k = 0 being white), green XYZ
+// 82-84, red XYZ 106-108, blue XYZ 118-120. Every other position is carried unread.
+//
+// Measurement text format (for `odf write`), one item per line, '#' starts a comment line:
+//   red   X Y Z
+//   green X Y Z
+//   blue  X Y Z
+//   white X Y Z
+//   grey  LEVEL Y        LEVEL one of 3584 3072 2560 2048 1536 1024 512
+//   value INDEX NUMBER   raw position 0..126, applied after everything above
+// red, green, blue, white and all seven grey levels are required; numbers must be finite.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <string>
+
+namespace pctool {
+
+constexpr size_t kOdfBytes = 510;
+constexpr int kOdfFloats = 127;
+using OdfImage = std::array<uint8_t, kOdfBytes>;
+
+// Grey levels below white, in the order of their positions 11, 17, ..., 47.
+constexpr int kOdfGreyLevels[7] = {3584, 3072, 2560, 2048, 1536, 1024, 512};
+constexpr int kOdfRedAt = 106, kOdfGreenAt = 82, kOdfBlueAt = 118, kOdfWhiteAt = 4;
+inline int odfGreyYAt(int greyIndex) { return 11 + 6 * greyIndex; }
+
+struct OdfMeasurements {
+  double red[3] = {}, green[3] = {}, blue[3] = {}, white[3] = {};  // XYZ
+  double greyY[7] = {};  // luminance at kOdfGreyLevels
+};
+
+struct OdfValues {
+  float v[kOdfFloats] = {};
+};
+
+void placeMeasurements(const OdfMeasurements& m, OdfValues* out);
+OdfMeasurements measurementsOf(const OdfValues& values);
+
+// The little-endian image with its checksum.
+OdfImage encodeOdf(const OdfValues& values);
+
+struct DecodedOdf {
+  OdfValues values;
+  uint16_t storedCrc = 0;
+  uint16_t computedCrc = 0;
+  bool crcOk() const { return storedCrc == computedCrc; }
+};
+// False (with a reason) when fewer than 510 bytes are given; extra bytes are ignored.
+bool decodeOdf(const uint8_t* bytes, size_t size, DecodedOdf* out, std::string* error);
+
+// Parses the measurement text format above; `source` names the input in error messages
+// ("SOURCE:LINE: reason").
+bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, std::string* error);
+
+bool writeOdfFile(const std::string& path, const OdfValues& values, std::string* error);
+bool readOdfFile(const std::string& path, DecodedOdf* out, std::string* error);
+
+}  // namespace pctool

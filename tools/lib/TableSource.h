@@ -1,0 +1,72 @@
+// "Any table" for the workbench: recognises the files an engineer meets around the plugin and
+// loads a 17x17x17 table from a table cache (cofc.fw / cofc2.fw), a LUT text file or a .cube.
+//
+// Recognition looks at the content first and the extension second: a binary file whose length
+// is 16 + N x 117928 (N = 1..8) is a table cache, 510 bytes (or ".odf") is optical data, text
+// of whole numbers is a LUT text file, text with .cube keywords is a .cube, text of 9 or 20
+// decimal numbers is a mode target.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "snapdragoncolor/sc_color_records.h"
+#include "tools/lib/CubeFile.h"
+
+namespace pctool {
+
+enum class FileKind { Unknown, Odf, Cache, LutText, Cube, Target };
+const char* kindName(FileKind kind);
+
+constexpr uint32_t kMaxCacheTables = 8;
+constexpr size_t kMaxLutTextBytes = 4u << 20;
+
+// Recognises `path`. Unknown comes with a reason in `error` ("not a LUT: ...", "cannot open").
+FileKind detectKind(const std::string& path, std::string& error);
+
+struct CacheContents {
+  uint64_t fileBytes = 0;
+  uint32_t count = 0;  // tables in the file
+  uint32_t source = 0, panelId = 0, paramVersion = 0;
+  uint32_t storedCheckSum = 0, computedCheckSum = 0;
+  std::vector<snapdragoncolor::lut3d_info> tables;
+  bool checkSumOk() const { return storedCheckSum == computedCheckSum; }
+  // The FWVersion a device needs to accept this file: its length.
+  uint64_t fwVersion() const { return fileBytes; }
+};
+
+// Reads a whole cache file. False on a wrong length or a read failure; a checksum mismatch is
+// not a failure here (see checkSumOk), so inspect can still show the contents.
+bool readCacheFile(const std::string& path, CacheContents& out, std::string& error);
+
+struct LutTextCheck {
+  uint32_t values = 0;       // numbers in the file (only the first 29478 are used)
+  uint32_t offGrid = 0;      // entries whose inputs are not the device grid
+  uint32_t firstOffGrid = 0; // index of the first such entry
+};
+
+// Reads a LUT text file as the plugin would, after checking that every token is a code of
+// 0..4095 ("line N malformed: ...") and that there are at least 29478 of them.
+bool readLutText(const std::string& path, snapdragoncolor::lut3d_info& lut, uint32_t lutId,
+                 LutTextCheck& check, std::string& error);
+
+struct LoadedTable {
+  FileKind kind = FileKind::Unknown;
+  std::string label;  // e.g. "cofc.fw table 3 of 8"
+  std::shared_ptr<snapdragoncolor::lut3d_info> lut;
+  std::vector<std::string> notes;  // warnings that do not stop the load
+};
+
+// Loads every table in `path` (a cache gives all of its tables, other kinds one). A cache with
+// a wrong checksum fails with "checksum mismatch: stored 0x..., computed 0x...".
+bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error);
+
+// Loads table `index` of a cache (any index > 0 of a single-table file is an error).
+bool loadTable(const std::string& path, int index, LoadedTable& out, std::string& error);
+
+// The cache's total length for N tables, and N for a length (0 when no N fits).
+uint32_t cacheTableCount(uint64_t fileBytes);
+
+}  // namespace pctool
