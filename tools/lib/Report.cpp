@@ -8,7 +8,7 @@
 #include "tools/lib/LutApply.h"
 #include "tools/lib/PanelModel.h"
 #include "tools/lib/ReportCanvas.h"
-#include "tools/lib/SpectralLocus.h"
+#include "tools/lib/CieLocus.h"
 #include "tools/lib/Verify.h"
 
 namespace pctool {

@@ -1,4 +1,4 @@
-#include "tools/lib/Inspect.h"
+#include "tools/lib/FileInfo.h"
 
 #include <algorithm>
 #include <cmath>
