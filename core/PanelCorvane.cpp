@@ -165,17 +165,22 @@ int PanelCorvane::SetProperty(const ScPayload& payload) {
   return 0;
 }
 
-int PanelCorvane::GetProperty(ScPayload* payload) {
-  if (dbgOn(kDbgEntry)) PC_LOGD("start\n");
+bool PanelCorvane::admitCall(const char* fn) {
+  if (dbgOn(kDbgEntry)) PC_LOGD_AS(fn, "start\n");
   callStackIf(dbgOn(kDbgCallStack));
   if (sIsByPass) {
-    if (dbgOn(kDbgVerbose)) PC_LOGD("bypass!\n");
-    return 0;
+    if (dbgOn(kDbgVerbose)) PC_LOGD_AS(fn, "bypass!\n");
+    return false;
   }
   if (!mInitDone) {
-    PC_LOGD("not init.\n");
-    return 0;
+    PC_LOGD_AS(fn, "not init.\n");
+    return false;
   }
+  return true;
+}
+
+int PanelCorvane::GetProperty(ScPayload* payload) {
+  if (!admitCall(__func__)) return 0;
   std::lock_guard<std::mutex> lock(mLock);
   if (!mInitDone) {
     PC_LOGD("not init!\n");
@@ -198,16 +203,7 @@ int PanelCorvane::GetProperty(ScPayload* payload) {
 }
 
 int PanelCorvane::ProcessOps(ScOps op, const ScPayload& input, ScPayload* output) {
-  if (dbgOn(kDbgEntry)) PC_LOGD("start\n");
-  callStackIf(dbgOn(kDbgCallStack));
-  if (sIsByPass) {
-    if (dbgOn(kDbgVerbose)) PC_LOGD("bypass!\n");
-    return 0;
-  }
-  if (!mInitDone) {
-    PC_LOGD("not init.\n");
-    return 0;
-  }
+  if (!admitCall(__func__)) return 0;
   std::lock_guard<std::mutex> lock(mLock);
   traceMark("ProcessOps");
   if (dbgOn(kDbgVerbose)) PC_LOGD("Process Ops called, op = %d\n", static_cast<int>(op));

@@ -106,6 +106,8 @@ class PanelCorvane : public ScPostBlendInterface,
   using PropHandler = int (PanelCorvane::*)(ScPayload*);
   using OpHandler = int (PanelCorvane::*)(const ScPayload&, ScPayload*);
 
+  // Entry logging and the bypass and init checks shared by GetProperty and ProcessOps.
+  bool admitCall(const char* fn);
   // Stops a worker left running by an Init that was not followed by DeInit.
   void stopWorker();
   int chooseMode(int gamut, int intent);

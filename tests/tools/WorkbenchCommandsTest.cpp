@@ -15,7 +15,7 @@
 #include "tests/support/TestSupport.h"
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/DeviceGrid.h"
-#include "tools/lib/Inspect.h"
+#include "tools/lib/FileInfo.h"
 
 using snapdragoncolor::lut3d_info;
 
