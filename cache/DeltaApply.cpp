@@ -16,8 +16,10 @@ typedef uint32_t v4u __attribute__((vector_size(16)));
 #endif
 
 // On x86 hosts the loop is also built for AVX2 (native 32-bit vector multiply) and picked at
-// load time; integer arithmetic, so every version gives the same bits.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__ANDROID__)
+// load time; integer arithmetic, so every version gives the same bits. Not under sanitizers:
+// their runtimes are not ready when the loader runs the version resolver.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__ANDROID__) && \
+    !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
 #define PC_MULTIVERSION __attribute__((target_clones("avx2", "default")))
 #else
 #define PC_MULTIVERSION

@@ -9,6 +9,7 @@
 #include "core/PanelCorvane.h"
 #include "services/MixLut3DAidl.h"
 #include "tests/core/CoreFixture.h"
+#include "tools/lib/SyntheticDevice.h"
 
 using snapdragoncolor::GamutConfig;
 using snapdragoncolor::HwConfigOutputParams;
@@ -23,14 +24,30 @@ namespace {
 class StressTest : public pctest::CoreTest {
 };
 
+void frame(PanelCorvane* panel, int intent) {
+  ModeRenderInputParams in;
+  in.color_mode.gamut = 1;
+  in.color_mode.intent = intent;
+  HwConfigOutputParams out;
+  out.payload.emplace_back("PostBlendGamut", std::make_shared<GamutConfig>());
+  out.payload.emplace_back("PostBlendGC", std::make_shared<snapdragoncolor::HwConfigPayload>());
+  ScPayload inP, outP;
+  inP.payload = reinterpret_cast<uintptr_t>(&in);
+  outP.payload = reinterpret_cast<uintptr_t>(&out);
+  panel->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);
+}
+
 TEST_F(StressTest, ServicesFramesAndLifecycleTogether) {
-  writeProps();
+  std::string error;
+  ASSERT_TRUE(pctool::writeSyntheticDevice(root.path(), {}, &error)) << error;
+  root.write("/data/vendor/display/.keep", "");
   auto display = addDisplayService();
   PanelCorvane* primary = make();
   PanelCorvane* secondary = make();
-  primary->Init("primary");
+  primary->Init("PanelCorvane_primary");
+  ASSERT_TRUE(pctest::waitFor([&] { return primary->tablesReady(); }));
   ASSERT_TRUE(pctest::waitFor([&] { return PanelCorvaneBase::sIsHidlRegitsered.load(); }));
-  pchost::setLogEcho(false);
+  frame(primary, 256);  // the once-per-process property reads happen before the storm
 
   constexpr int kRounds = 300;
   std::atomic<bool> stop{false};
@@ -66,26 +83,19 @@ TEST_F(StressTest, ServicesFramesAndLifecycleTogether) {
       bp.prop = 769;
       bp.payload = reinterpret_cast<uintptr_t>(&b);
       primary->SetProperty(bp);
-      ModeRenderInputParams in;
-      in.color_mode.gamut = 1;
-      in.color_mode.intent = (i % 2) ? 1 : 256;
-      HwConfigOutputParams out;
-      out.payload.emplace_back("PostBlendGamut", std::make_shared<GamutConfig>());
-      ScPayload inP, outP;
-      inP.payload = reinterpret_cast<uintptr_t>(&in);
-      outP.payload = reinterpret_cast<uintptr_t>(&out);
-      primary->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);
+      frame(primary, (i % 2) ? 1 : 256);
     }
   });
   threads.emplace_back([&] {  // the secondary panel comes and goes
     for (int i = 0; i < 20; ++i) {
-      secondary->Init("secondary");
+      secondary->Init("PanelCorvane_secondary");
       secondary->DeInit();
     }
   });
   for (auto& th : threads) th.join();
   stop = true;
   EXPECT_TRUE(primary->initDone());
+  EXPECT_TRUE(primary->tablesReady());
 }
 
 }  // namespace
