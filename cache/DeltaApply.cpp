@@ -35,7 +35,8 @@ inline void store(void* p, v4i v) { std::memcpy(p, &v, sizeof(v)); }
 
 // to = from + add in the output lanes, to's own words elsewhere.
 __attribute__((always_inline)) inline void blend(const char* from, char* to, v4i add, v4i lanes) {
-  const v4i sum = load(from) + add;
+  // Unsigned lanes: the codes wrap as 32-bit unsigned values, as in the word-by-word form.
+  const v4i sum = reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(from)) + reinterpret_cast<v4u>(add));
   store(to, (sum & lanes) | (load(to) & ~lanes));
 }
 
