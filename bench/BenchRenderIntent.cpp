@@ -10,9 +10,11 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <mutex>
 #include <thread>
 
 #include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
 #include "core/PanelCorvane.h"
 
 namespace {
@@ -30,7 +32,7 @@ struct RunningPanel {
         << "\nbench=0\n";
     pchost::setRootOverride(root.c_str());
     pchost::setSleepScale(0);
-    pchost::setLogEcho(false);
+    pchost::setLogEcho(getenv("PC_BENCH_LOG") != nullptr);
     Lut3DCacheManager::deInit(0);  // other benchmarks may have used panel 0
     Lut3DCacheManager::sNumOfLut3D[0] = 0;
     Lut3DCacheManager::init(0, 1);
@@ -41,12 +43,22 @@ struct RunningPanel {
       luts[t].lut3d_id = t;
       luts[t].num_entries = kLut3dEntries;
     }
-    Lut3DCacheManager::sPCFGPanel[0].source = 1;
+    Lut3DCacheManager::sPCFGPanel[0].source = 1;  // no identity files: unmatched
+    Lut3DCacheManager::sPCFGPanel[0].panelId = 0;
+    Lut3DCacheManager::sPCFGPanel[0].paramVersion = 0;
     Lut3DCacheManager::saveCfgToFile(0);
     Lut3DCacheManager::deInit(0);
     Lut3DCacheManager::sNumOfLut3D[0] = 0;
+    {
+      // Other benchmarks may have left a property object with other switches behind.
+      std::lock_guard<std::mutex> lock(PanelCorvaneBase::base_lock_);
+      delete PanelCorvaneBase::sProp.exchange(nullptr);
+    }
     panel.Init("bench");
-    while (!panel.tablesReady()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    auto until = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!panel.tablesReady() && std::chrono::steady_clock::now() < until) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
   ~RunningPanel() {
     panel.DeInit();
@@ -59,6 +71,10 @@ struct RunningPanel {
 
 void BM_RenderIntentOp(benchmark::State& state) {
   static RunningPanel running;
+  if (!running.panel.tablesReady()) {
+    state.SkipWithError("the panel's tables did not load");
+    return;
+  }
   ModeRenderInputParams input;
   input.color_mode.gamut = 1;
   input.color_mode.intent = 256;  // Nature: table 3

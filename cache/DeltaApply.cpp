@@ -37,7 +37,7 @@ inline void store(void* p, v4i v) { std::memcpy(p, &v, sizeof(v)); }
 __attribute__((always_inline)) inline void blend(const char* from, char* to, v4i add, v4i lanes) {
   // Unsigned lanes: the codes wrap as 32-bit unsigned values, as in the word-by-word form.
   const v4i sum = reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(from)) + reinterpret_cast<v4u>(add));
-  store(to, (sum & lanes) | (load(to) & ~lanes));
+  store(to, lanes ? sum : load(to));  // one blend instruction where the target has one
 }
 
 // Q12: the product wraps as a signed 32-bit value, then shifts arithmetically (toward minus
