@@ -9,11 +9,13 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "backend/LutTextFile.h"
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
 #include "tools/lib/CubeFile.h"
+#include "tools/lib/Report.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/FileInfo.h"
 
@@ -96,14 +98,18 @@ TEST_F(WorkbenchCommands, BadFilesAndBadUsageHaveTheirExitStatus) {
     std::string args;
     int status;
     std::string err;
-  } cases[] = {
+  };
+  std::vector<Case> cases = {
       {"export '" + dir + "/bad.cube' '" + dir + "/o.txt'", 1,
        "panelcorvane export: " + dir + "/bad.cube: line 2 malformed\n"},
       {"inspect '" + dir + "/x.odf'", 1, "panelcorvane inspect: " + dir + "/x.odf: CRC mismatch: stored 0x0101, computed "},
       {"verify '" + dir + "/bad.cube' --odf '" + dir + "/x.odf'", 2, "panelcorvane verify: --odf and --target go together\n"},
       {"export only-one-argument", 2, "panelcorvane export: needs INPUT and OUTPUT\n"},
-      {"report --odf '" + dir + "/x.odf' -o '" + dir + "/p.png'", 1, "panelcorvane report: " + dir + "/x.odf: CRC mismatch"},
   };
+  if (pctool::reportSupported()) {  // without cairo, report refuses before reading its inputs
+    cases.push_back({"report --odf '" + dir + "/x.odf' -o '" + dir + "/p.png'", 1,
+                     "panelcorvane report: " + dir + "/x.odf: CRC mismatch"});
+  }
   for (const auto& c : cases) {
     ToolRun r = run(c.args);
     EXPECT_EQ(r.status, c.status) << c.args << "\n" << r.err;
