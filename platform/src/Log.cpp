@@ -11,6 +11,8 @@
 #include <mutex>
 #include <string>
 
+#include "Format.h"
+
 namespace {
 
 std::mutex gLogMutex;
@@ -60,13 +62,9 @@ void emit(int prio, const char* tag, std::string text) {
 extern "C" int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
   va_list ap;
   va_start(ap, fmt);
-  va_list copy;
-  va_copy(copy, ap);
-  int n = vsnprintf(nullptr, 0, fmt, copy);
-  va_end(copy);
-  std::string text(n > 0 ? static_cast<size_t>(n) : 0, '\0');
-  if (n > 0) vsnprintf(&text[0], text.size() + 1, fmt, ap);
+  std::string text = pchost::vformat(fmt, ap);
   va_end(ap);
+  const int n = static_cast<int>(text.size());
   emit(prio, tag, std::move(text));
   return n;
 }

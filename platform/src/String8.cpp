@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "Format.h"
+
 namespace android {
 
 namespace {
@@ -48,15 +50,8 @@ String8::String8(const String16& o) {
 String8 String8::format(const char* fmt, ...) {
   va_list ap;
   va_start(ap, fmt);
-  va_list copy;
-  va_copy(copy, ap);
-  int n = vsnprintf(nullptr, 0, fmt, copy);
-  va_end(copy);
   String8 result;
-  if (n > 0) {
-    result.mData.resize(static_cast<size_t>(n));
-    vsnprintf(&result.mData[0], result.mData.size() + 1, fmt, ap);
-  }
+  result.mData = pchost::vformat(fmt, ap);
   va_end(ap);
   return result;
 }
