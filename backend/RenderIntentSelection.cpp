@@ -12,7 +12,6 @@
 #include "backend/Algorithm.h"
 #include "backend/LutTextFile.h"
 #include "backend/PanelCorvaneBE.h"
-#include "config/Prop.h"
 #include "core/DeviceIo.h"
 #include "core/Log.h"
 #include "core/Trace.h"
@@ -98,9 +97,8 @@ void logSlot(bool closing, int slot, const std::string& name, const HwConfigPayl
 }
 
 // Each switch is read on the first ordinary call that finds the property file, then kept.
+// Once all six are read the frame path takes no lock here.
 void readSwitchesOnce() {
-  Prop* prop = PanelCorvaneBase::sProp.load(std::memory_order_relaxed);
-  if (prop == nullptr) return;
   struct Key {
     std::atomic<int>* value;
     const char* name;
@@ -115,8 +113,10 @@ void readSwitchesOnce() {
       {&PanelCorvaneBE::sPaDitherConfigDisable, "PaDitherConfigDisable", 0},
   };
   for (const Key& k : keys) {
-    if (k.value->load(std::memory_order_relaxed) == -1) {
-      k.value->store(prop->GetValueByKey(k.name, k.def), std::memory_order_relaxed);
+    int value = 0;
+    if (k.value->load(std::memory_order_relaxed) == -1 &&
+        PanelCorvaneBase::readPropInt(k.name, k.def, &value)) {
+      k.value->store(value, std::memory_order_relaxed);
     }
   }
 }

@@ -85,6 +85,7 @@ void BM_RenderIntentOp(benchmark::State& state) {
   output.payload.emplace_back("PostBlendIGC", std::make_shared<HwConfigPayload>());
   output.payload.emplace_back("PostBlendPa", std::make_shared<HwConfigPayload>());
   ScPayload in, out;
+  in.len = sizeof(input);
   in.payload = reinterpret_cast<uintptr_t>(&input);
   out.payload = reinterpret_cast<uintptr_t>(&output);
   for (auto _ : state) {

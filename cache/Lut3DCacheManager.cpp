@@ -10,6 +10,11 @@ std::atomic<uint32_t> Lut3DCacheManager::sNumOfLut3D[kNumPanels] = {};
 PanelCfgCache Lut3DCacheManager::sPCFGPanel[kNumPanels];
 int32_t* Lut3DCacheManager::slut3dDeltaPanel[kNumPanels] = {};
 
+std::mutex& Lut3DCacheManager::tablesLock(unsigned panel) {
+  static std::mutex locks[kNumPanels + 1];
+  return locks[panel < kNumPanels ? panel : kNumPanels];
+}
+
 namespace {
 // Tables come in pairs (100 nits, full brightness); the debug switch adds the fourth pair.
 constexpr uint32_t kLutsWithCmDebug = 8;

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 
 #include "snapdragoncolor/sc_color_records.h"
 
@@ -41,6 +42,12 @@ class Lut3DCacheManager {
   static uint32_t fileSizeFor(uint32_t count) { return kTrailerBytes + count * sizeof(lut3d_info); }
   static const char* cachePath(unsigned panel);
 
+  // The one owner of a panel's tables. Loading, generation, interpolation, the copy into a
+  // frame's gamut record and the release by DeInit all hold it; the operations here take no
+  // lock of their own, their callers do. An index beyond the panels shares a spare lock.
+  static std::mutex& tablesLock(unsigned panel);
+
+  // Guarded by tablesLock(panel); N is atomic because "not initialised" is asked without it.
   static std::atomic<uint32_t> sNumOfLut3D[kNumPanels];
   static PanelCfgCache sPCFGPanel[kNumPanels];
   static int32_t* slut3dDeltaPanel[kNumPanels];

@@ -13,6 +13,7 @@
 #include "config/Prop.h"
 #include "core/DeviceIo.h"
 #include "core/Log.h"
+#include "core/PanelRegistry.h"
 #include "core/Trace.h"
 #include "frontend/PanelCorvaneFE.h"
 
@@ -37,7 +38,13 @@ PanelCorvane::PanelCorvane() {
   mModeList.version = kOwnModeListHeader;
 }
 
-PanelCorvane::~PanelCorvane() { stopWorker(); }
+PanelCorvane::~PanelCorvane() {
+  // Nothing may reach this object once it is gone: out of the registry first, then wait for the
+  // service calls already inside it.
+  PanelRegistry::withdraw(this);
+  if (mHidlService) sIsHidlRegitsered = false;  // the next primary object registers itself
+  stopWorker();
+}
 
 void PanelCorvane::stopWorker() {
   if (mThread == nullptr) return;
@@ -79,32 +86,31 @@ int PanelCorvane::Init(const std::string& name) {
   }
   PC_LOGD("init\n");
 
-  stopWorker();
-  mWorkerRunning = true;
-  mQueue = std::make_unique<impl::MessageQueue>();
-  mQueue->init(this);
-  mThread = android::sp<MessageQueueThread>::make(this);
-  // The worker takes the name the buffer holds now, before the new name is copied in.
-  mThread->run(mName, android::PRIORITY_DEFAULT, 0);
-  mQueue->sendMessage(kMsgHelpServiceInit);
+  stopWorker();  // joined before the parts lock: its last message may still be using them
+  {
+    std::unique_lock<std::shared_mutex> parts(mPartsLock);
+    mWorkerRunning = true;
+    mQueue = std::make_unique<impl::MessageQueue>();
+    mQueue->init(this);
+    mThread = android::sp<MessageQueueThread>::make(this);
+    // The worker takes the name the buffer holds now, before the new name is copied in.
+    mThread->run(mName, android::PRIORITY_DEFAULT, 0);
+    mQueue->sendMessage(kMsgHelpServiceInit);
 
-  std::strncpy(mName, name.c_str(), 256);
-  mName[256] = '\0';
-  if (Prop* prop = sProp.load()) mPanelIndex = prop->GetPanelId(mName);
+    std::strncpy(mName, name.c_str(), 256);
+    mName[256] = '\0';
+    {
+      std::lock_guard<std::mutex> lock(base_lock_);
+      if (Prop* prop = sProp.load()) mPanelIndex = prop->GetPanelId(mName);
+    }
 
-  PanelCorvaneBase* expected = nullptr;
-  bool registered = false;
-  if (mPanelIndex == 0) {
-    registered = sPrimaryPanel.compare_exchange_strong(expected, this);
-  } else if (mPanelIndex == 1) {
-    registered = sSecondaryPanel.compare_exchange_strong(expected, this);
-  }
-  if (!registered) PC_LOGE("warning: reinit panel, cfg error!\n");
+    if (!PanelRegistry::claim(mPanelIndex, this)) PC_LOGE("warning: reinit panel, cfg error!\n");
 
-  if (sIsPanelCalibrationOn) {
-    mBE = std::make_unique<PanelCorvaneBE>(this);
-    mFE = std::make_unique<PanelCorvaneFE>(this, mPanelIndex);
-    mQueue->sendMessage(kMsgLoad3dLut);
+    if (sIsPanelCalibrationOn) {
+      mBE = std::make_unique<PanelCorvaneBE>(this);
+      mFE = std::make_unique<PanelCorvaneFE>(this, mPanelIndex);
+      mQueue->sendMessage(kMsgLoad3dLut);
+    }
   }
 
   PC_LOGD("%s DONE(%d)! logl:%d\n", mName, static_cast<int>(mTablesReady.load()),
@@ -126,7 +132,11 @@ int PanelCorvane::DeInit() {
         mThread->join();
         mThread.clear();
       }
-      Lut3DCacheManager::deInit(mPanelIndex);
+      {
+        // Waits for a generation running on a binder thread before the memory goes.
+        std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex));
+        Lut3DCacheManager::deInit(mPanelIndex);
+      }
       PC_LOGD("DeInit done!\n");
     }
     std::lock_guard<std::mutex> baseLock(base_lock_);
@@ -149,8 +159,14 @@ int PanelCorvane::SetProperty(const ScPayload& payload) {
             payload.version, kPayloadVersion);
     return 0;
   }
-  if (payload.prop == kSetPanelBrightness && payload.payload != 0) {
-    double fraction = *reinterpret_cast<const double*>(static_cast<uintptr_t>(payload.payload));
+  if (payload.prop == kSetPanelBrightness) {
+    if (payload.payload == 0 || payload.len < sizeof(double)) {
+      PC_LOGE("payload error!\n");
+      return 0;
+    }
+    double fraction;
+    std::memcpy(&fraction, reinterpret_cast<const void*>(static_cast<uintptr_t>(payload.payload)),
+                sizeof(fraction));
     double level = fraction * 10239.0 + 1.0;
     // Truncate toward zero, then clamp; NaN counts as the lowest level.
     uint32_t brightness = 0;

@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <shared_mutex>
 #include <string>
 
 #include "core/MessageQueue.h"
@@ -110,26 +111,46 @@ class PanelCorvane : public ScPostBlendInterface,
   bool admitCall(const char* fn);
   // Stops a worker left running by an Init that was not followed by DeInit.
   void stopWorker();
-  int chooseMode(int gamut, int intent);
+  int chooseMode(int gamut, int intent, int forced);
 
+  friend class PanelRegistry;
+
+  // Fixed after construction.
   std::map<ScProperty, PropHandler> mPropHandlers;
   std::map<ScOps, OpHandler> mOpHandlers;
+  // The object lock: serialises the colour manager's property and op calls with DeInit.
   std::mutex mLock;
+  // Guards replacing the queue, backend and front end, and the display name they read. Init,
+  // on the colour manager's thread, replaces them holding it exclusively; binder threads and the
+  // worker use them holding it shared. The colour manager's thread, their only writer, reads
+  // them without it. Taken after a panel's tables lock, never before.
+  mutable std::shared_mutex mPartsLock;
   std::unique_ptr<impl::MessageQueue> mQueue;
   std::unique_ptr<PanelCorvaneBE> mBE;
   std::unique_ptr<PanelCorvaneFE> mFE;
   std::atomic<bool> mInitDone{false};
+  // Colour manager's thread only.
   ColorModeList mModeList;
   std::atomic<bool> mWorkerRunning{false};
+  // Changed only under the panel's tables lock; read without it where a stale answer is safe.
   std::atomic<bool> mTablesReady{false};
   std::atomic<int32_t> mLastGenResult{-1};
   std::atomic<bool> mFodOn{false};
+  // Colour manager's thread only (the render-intent front and GetNeedsUpdate).
   int32_t mPreGamut = -1;
   int32_t mPreIntent = -1;
   int32_t mPreMode = -1;
   uint32_t mLastTableBrightness = 0;
+  // The worker only.
   android::sp<qService::IQService> mQService;
+  // Colour manager's thread only (Init, DeInit, the destructor).
   android::sp<MessageQueueThread> mThread;
+  // This object registered itself as the HIDL service.
+  std::atomic<bool> mHidlService{false};
+  // Guarded by PanelRegistry's lock: service calls pinned to this object, and whether the
+  // destructor has withdrawn it.
+  int mPins = 0;
+  bool mWithdrawn = false;
 };
 
 }  // namespace snapdragoncolor

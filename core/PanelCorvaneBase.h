@@ -49,10 +49,17 @@ class PanelCorvaneBase {
   static std::atomic<bool> sIsLut3dHook;
   static std::atomic<bool> sIsHidlRegitsered;
   static std::atomic<int32_t> sCurrentPanel;
+  // Written only under the panel registry's lock (core/PanelRegistry.h); service threads
+  // reach an object through a pin of the registry, never through a bare load.
   static std::atomic<PanelCorvaneBase*> sPrimaryPanel;
   static std::atomic<PanelCorvaneBase*> sSecondaryPanel;
+  // Created, read and destroyed only under base_lock_: any DeInit may destroy it.
   static std::atomic<Prop*> sProp;
   static std::mutex base_lock_;
+
+  // One integer key of the property file, read under base_lock_; false (and `value` untouched)
+  // while no property file is loaded.
+  static bool readPropInt(const char* key, int def, int* value);
 
   static constexpr int kNumRefColors = 21;
   uint32_t mRefColors[kNumRefColors][3];

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "backend/PanelCorvaneBE.h"
+#include "cache/Lut3DCacheManager.h"
 #include "core/Log.h"
 #include "core/PanelCorvane.h"
 #include "core/Trace.h"
@@ -21,8 +22,7 @@ constexpr int kModeAllOff = 100;
 constexpr int kModeRegenerate = 104;
 }  // namespace
 
-int PanelCorvane::chooseMode(int gamut, int intent) {
-  const int forced = sCFGMode;
+int PanelCorvane::chooseMode(int gamut, int intent, int forced) {
   if (forced >= 0) {
     int mode = forced;
     if (forced == kModeRegenerate) {
@@ -87,7 +87,7 @@ int PanelCorvane::chooseMode(int gamut, int intent) {
 }
 
 int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* output) {
-  if (input.payload == 0) {
+  if (input.payload == 0 || input.len < sizeof(ModeRenderInputParams)) {
     PC_LOGE("payload error!\n");
     return 0;
   }
@@ -110,7 +110,13 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
     sNeedUpdate = false;
     return 0;
   }
-  if (!mTablesReady && sCFGMode != kModeAllOff) {
+  // One reading per frame, so the check below and the mode chosen agree.
+  const int32_t forced = sCFGMode;
+  // Never waits: while a load or a generation holds the tables, the frame goes on as if they
+  // were not ready, and nothing below touches them.
+  std::unique_lock<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex), std::try_to_lock);
+  const bool haveTables = tables.owns_lock() && mTablesReady;
+  if (!haveTables && forced != kModeAllOff) {
     sNeedUpdate = false;
     if (dbgOn(kDbgEntry)) PC_LOGD("init failed\n");
     return 0;
@@ -118,7 +124,7 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
 
   if (intent != mPreIntent || gamut != mPreGamut) {
     PC_LOGD("Panel(%d) %s, Premode:%d, manual-mode:%d, sNeedUpdate:%d, valid_meta_data:%d\n",
-            static_cast<int>(mPanelIndex), mName, mPreMode, static_cast<int>(sCFGMode.load()),
+            static_cast<int>(mPanelIndex), mName, mPreMode, static_cast<int>(forced),
             static_cast<int>(sNeedUpdate.load()), hdr);
     if (hdr) {
       const ColorMetaData& meta = params.meta_data;
@@ -130,7 +136,7 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
     mPreGamut = gamut;
   }
 
-  const int mode = chooseMode(gamut, intent);
+  const int mode = chooseMode(gamut, intent, forced);
   if (mode != mPreMode) refresh();
 
   if (mode != kModeBypass) {

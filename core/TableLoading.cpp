@@ -2,6 +2,7 @@
 #define LOG_TAG "PanelCorvane"
 
 #include "backend/PanelCorvaneBE.h"
+#include "cache/Lut3DCacheManager.h"
 #include "core/Log.h"
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
@@ -9,6 +10,9 @@
 namespace snapdragoncolor {
 
 void PanelCorvane::onLoad3dLut() {
+  // A regeneration started from a binder thread runs to its end first.
+  std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex));
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
   if (mTablesReady) return;
   if (!mBE || !mFE) return;
   int result = mBE->loadCfgFile(mBE->isPaneIdMatched());

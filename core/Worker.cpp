@@ -25,15 +25,20 @@ bool PanelCorvane::threadLoop() {
   return false;  // one pass: the platform thread ends here
 }
 
+// Senders run on binder threads too: the parts lock keeps Init from replacing the queue under
+// them.
 void PanelCorvane::refresh() {
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
   if (mQueue) mQueue->sendMessage(kMsgRefresh);
 }
 
 void PanelCorvane::initHelpService() {
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
   if (mQueue) mQueue->sendMessage(kMsgHelpServiceInit);
 }
 
 void PanelCorvane::load3dLut() {
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
   if (mQueue) mQueue->sendMessage(kMsgLoad3dLut);
 }
 

@@ -12,7 +12,6 @@
 #include <cstring>
 
 #include "cache/Lut3DCacheManager.h"
-#include "config/Prop.h"
 #include "core/Log.h"
 #include "core/Trace.h"
 #include "frontend/PanelCorvaneFE.h"
@@ -78,9 +77,11 @@ void PanelCorvaneFE::dump() { PC_LOGD("%s %s\n", __DATE__, __TIME__); }
 int PanelCorvaneFE::operateOriginalData() { return 0; }
 
 int PanelCorvaneFE::generateCfgFile(int match) {
-  Prop* prop = sProp.load(std::memory_order_relaxed);
-  if (prop != nullptr && sIn100nits.load(std::memory_order_relaxed) == -1)
-    sIn100nits.store(prop->GetValueByKey("inParam100nits", 0), std::memory_order_relaxed);
+  int in100nits = 0;
+  if (sIn100nits.load(std::memory_order_relaxed) == -1 &&
+      readPropInt("inParam100nits", 0, &in100nits)) {
+    sIn100nits.store(in100nits, std::memory_order_relaxed);
+  }
   const std::string name = displayName();
   PC_LOGD("%s\n", name.c_str());
   if (match == 0) return 0;

@@ -5,6 +5,7 @@
 
 #include "core/Log.h"
 #include "core/PanelCorvane.h"
+#include "core/PanelRegistry.h"
 #include "core/Trace.h"
 #include "frontend/PanelCorvaneFE.h"
 
@@ -44,6 +45,8 @@ void logValues(const char* fn, const PanelCorvane::hidl_vec_i32& args) {
 }  // namespace
 
 Return<int32_t> PanelCorvane::configureSet(int32_t command, const hidl_vec_i32& args) {
+  PanelRegistry::Pin self = PanelRegistry::pinSelf(this);
+  if (!self) return 0;  // the object is being destroyed
   traceMark("configureSet");
   const size_t n = args.size();
   auto apply = [this]() {
@@ -72,8 +75,9 @@ Return<int32_t> PanelCorvane::configureSet(int32_t command, const hidl_vec_i32& 
       PanelCorvane::dumpState("configureSet");
       break;
     case kCmdPanelIdCheck:
-      if (PanelCorvaneBase* p = sPrimaryPanel) p->IsPaneIdMatched();
-      if (PanelCorvaneBase* p = sSecondaryPanel) p->IsPaneIdMatched();
+      for (int index = 0; index < 2; ++index) {
+        if (PanelRegistry::Pin p = PanelRegistry::pin(index)) p->IsPaneIdMatched();
+      }
       break;
     case kCmdBrightness:
       if (n != 2) {
@@ -111,9 +115,11 @@ Return<int32_t> PanelCorvane::configureSet(int32_t command, const hidl_vec_i32& 
         refresh();
       }
       break;
-    case kCmdOriginalData:
+    case kCmdOriginalData: {
+      std::shared_lock<std::shared_mutex> parts(mPartsLock);
       if (mFE) mFE->operateOriginalData();
       break;
+    }
     case kCmdFod:
       if (n != 2) {
         argumentError(command);
@@ -155,6 +161,8 @@ Return<int32_t> PanelCorvane::configureSet(int32_t command, const hidl_vec_i32& 
 
 Return<void> PanelCorvane::configureGet(int32_t type, const hidl_vec_i32& args,
                                         configureGet_cb _hidl_cb) {
+  PanelRegistry::Pin self = PanelRegistry::pinSelf(this);
+  if (!self) return Void();  // the object is being destroyed
   logValues("configureGet", args);
   int32_t value = -1;
   switch (type) {
@@ -164,8 +172,8 @@ Return<void> PanelCorvane::configureGet(int32_t type, const hidl_vec_i32& args,
       break;
     case kCmdPanelIdCheck:
     case kCmdPanelIdCheckSecondary: {
-      PanelCorvaneBase* p = type == kCmdPanelIdCheck ? sPrimaryPanel.load() : sSecondaryPanel.load();
-      value = p != nullptr ? (p->IsPaneIdMatched() ? 1 : 0) : 0;
+      PanelRegistry::Pin p = PanelRegistry::pin(type == kCmdPanelIdCheck ? 0 : 1);
+      value = p ? (p->IsPaneIdMatched() ? 1 : 0) : 0;
       break;
     }
     case kCmdBrightness:

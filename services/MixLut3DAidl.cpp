@@ -9,6 +9,7 @@
 #include <string>
 
 #include "core/Log.h"
+#include "core/PanelRegistry.h"
 
 namespace snapdragoncolor {
 
@@ -17,10 +18,7 @@ std::shared_ptr<PanelCorvane::MixLut3DAidl> PanelCorvane::mAidl;
 ::ndk::ScopedAStatus PanelCorvane::MixLut3DAidl::set(int32_t in_disp, int32_t in_cmd,
                                                      int32_t* _aidl_return) {
   PC_LOGE("AIDL CALL:configure!!! %d\n", in_cmd);
-  PanelCorvaneBase* panel = nullptr;
-  if (in_disp == 0) panel = sPrimaryPanel;
-  if (in_disp == 1) panel = sSecondaryPanel;
-  if (panel != nullptr) {
+  if (PanelRegistry::Pin panel = PanelRegistry::pin(in_disp)) {
     int32_t result = panel->set(in_cmd);
     if (_aidl_return != nullptr) *_aidl_return = result;
   }

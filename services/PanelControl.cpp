@@ -3,8 +3,10 @@
 #define LOG_TAG "PanelCorvane"
 
 #include "backend/PanelCorvaneBE.h"
+#include "cache/Lut3DCacheManager.h"
 #include "core/Log.h"
 #include "core/PanelCorvane.h"
+#include "core/PanelRegistry.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
@@ -14,11 +16,6 @@ constexpr int kModeAllOff = 100;
 constexpr int kModeRegenerate = 104;
 constexpr int kModeStatusQuery = 9999;
 
-PanelCorvaneBase* panelFor(int index) {
-  if (index == 0) return PanelCorvaneBase::sPrimaryPanel;
-  if (index == 1) return PanelCorvaneBase::sSecondaryPanel;
-  return nullptr;
-}
 }  // namespace
 
 void PanelCorvane::dumpState(const char* fn) {
@@ -36,8 +33,9 @@ void PanelCorvane::dumpState(const char* fn) {
   PC_LOGD_AS(fn, "sIsPanelCalibrationOn:%d\n", static_cast<int>(sIsPanelCalibrationOn.load()));
   PC_LOGD_AS(fn, "sIsGammaCorrectionOn:%d\n", static_cast<int>(sIsGammaCorrectionOn.load()));
   PC_LOGD_AS(fn, "sIsCMDebugOn:%d\n", static_cast<int>(sIsCMDebugOn.load()));
-  if (PanelCorvaneBase* p = sPrimaryPanel) p->dump();
-  if (PanelCorvaneBase* p = sSecondaryPanel) p->dump();
+  for (int index = 0; index < 2; ++index) {
+    if (PanelRegistry::Pin p = PanelRegistry::pin(index)) p->dump();
+  }
 }
 
 int PanelCorvane::set(int in_cmd) {
@@ -101,7 +99,7 @@ int PanelCorvane::SetScreenColorMode(int mode) {
       break;
     case kModeRegenerate:
       sCFGMode = kModeRegenerate;
-      if (PanelCorvaneBase* p = panelFor(sCurrentPanel)) p->generateCfgFile();
+      if (PanelRegistry::Pin p = PanelRegistry::pin(sCurrentPanel)) p->generateCfgFile();
       break;
     case kModeStatusQuery:
       PC_LOGD("MODE_IMIXLUT3D_STATUS %d\n", static_cast<int>(sIsByPass.load()));
@@ -120,6 +118,11 @@ int PanelCorvane::SetScreenColorMode(int mode) {
 }
 
 void PanelCorvane::generateCfgFile() {
+  // Held from the first line to the last: a second regeneration of the panel, its loading job,
+  // a frame's copy and DeInit's release all wait (a frame does not wait: it finds the tables
+  // not ready).
+  std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex));
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
   PC_LOGE("%s\n", mName);
   mTablesReady = false;
   if (!mBE || !mFE) return;
@@ -135,10 +138,14 @@ void PanelCorvane::generateCfgFile() {
   mTablesReady = true;
 }
 
-bool PanelCorvane::IsPaneIdMatched() { return mBE ? mBE->isPaneIdMatched() : false; }
+bool PanelCorvane::IsPaneIdMatched() {
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
+  return mBE ? mBE->isPaneIdMatched() : false;
+}
 
 void PanelCorvane::dump() {
   PC_LOGD("%s %s\n", __DATE__, __TIME__);
+  std::shared_lock<std::shared_mutex> parts(mPartsLock);
   if (mBE) mBE->dump();
   if (mFE) mFE->dump();
 }

@@ -38,6 +38,7 @@ void PanelCorvane::initHidlService() {
   for (int attempt = 1; attempt <= kAttempts; ++attempt) {
     if (registerAsService("default") == android::OK) {
       PC_LOGD("register hidl done!\n");
+      mHidlService = true;
       sIsHidlRegitsered = true;
       return;
     }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
 
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
@@ -84,6 +85,31 @@ TEST_F(DispatchTest, ProcessOpsRefusesUnknownOpsAndMissingOutput) {
   EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeSwAssets, in, nullptr), 0);
   EXPECT_EQ(log.countContaining("1-ProcessOps: Invalid params init_done_ 1 output "), 1);
   EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeSwAssets, in, &out), 0);
+}
+
+TEST_F(DispatchTest, PayloadsTooShortForTheirRecordAreRefused) {
+  PanelCorvane* p = running();
+  PanelCorvaneBase::sBrightness = 77;
+  // Exactly as long as the caller says: a checker sees any read past the four bytes.
+  auto four = std::make_unique<uint32_t>(0x3f000000u);
+  ScPayload shortLevel = payloadFor(four.get(), 769, sizeof(uint32_t));
+  EXPECT_EQ(p->SetProperty(shortLevel), 0);
+  ScPayload nullLevel = payloadFor<double>(nullptr, 769);
+  EXPECT_EQ(p->SetProperty(nullLevel), 0);
+  EXPECT_EQ(PanelCorvaneBase::sBrightness, 77u);
+  EXPECT_EQ(log.count("1-SetProperty: payload error!"), 2);
+
+  snapdragoncolor::ModeRenderInputParams request;
+  request.color_mode.gamut = 1;
+  request.color_mode.intent = 256;
+  snapdragoncolor::HwConfigOutputParams result;
+  ScPayload out = payloadFor(&result);
+  ScPayload shortRequest = payloadFor(&request, 0, 8);
+  ScPayload noRequest = payloadFor<snapdragoncolor::ModeRenderInputParams>(nullptr);
+  EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeRenderIntent, shortRequest, &out), 0);
+  EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeRenderIntent, noRequest, &out), 0);
+  EXPECT_EQ(log.count("1-ProcessModeRenderIntent: payload error!"), 2);
+  EXPECT_EQ(p->previousMode(), -1) << "a refused request is not a frame";
 }
 
 TEST_F(DispatchTest, PropertyHandlersCheckTheirRecords) {

@@ -93,6 +93,29 @@ TEST_F(LifecycleTest, SecondObjectOnTakenIndexIsWarnedAbout) {
   EXPECT_EQ(log.count("1-Init: warning: reinit panel, cfg error!"), 1);
 }
 
+TEST_F(LifecycleTest, DestroyedObjectLeavesThePanelRegistry) {
+  writeProps();
+  PanelCorvane* keeper = make();
+  PanelCorvane* gone = new PanelCorvane();
+  gone->Init("primary");
+  keeper->Init("secondary");
+  ASSERT_EQ(PanelCorvaneBase::sPrimaryPanel.load(), static_cast<PanelCorvaneBase*>(gone));
+  gone->DeInit();
+  delete gone;
+  EXPECT_EQ(PanelCorvaneBase::sPrimaryPanel.load(), nullptr);
+  EXPECT_EQ(PanelCorvaneBase::sSecondaryPanel.load(), static_cast<PanelCorvaneBase*>(keeper));
+  // Commands that reach both panels through the registry now find only the one that lives.
+  keeper->configureSet(110, PanelCorvane::hidl_vec_i32{});
+  keeper->configureSet(111, PanelCorvane::hidl_vec_i32{});
+  PanelCorvaneBase::sCurrentPanel = 0;
+  EXPECT_EQ(keeper->SetScreenColorMode(104), 0);
+
+  // The slot is free again for the next primary object.
+  PanelCorvane* next = make();
+  next->Init("primary");
+  EXPECT_EQ(PanelCorvaneBase::sPrimaryPanel.load(), static_cast<PanelCorvaneBase*>(next));
+}
+
 TEST_F(LifecycleTest, ManyInitDeInitCyclesNeitherLeakNorHang) {
   writeProps();
   PanelCorvane* p = make();

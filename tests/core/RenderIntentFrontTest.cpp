@@ -55,6 +55,7 @@ class RenderIntentFrontTest : public pctest::CoreTest {
     g->gamut_info.lut3d_id = 999;
     out.payload.emplace_back("PostBlendGamut", g);
     ScPayload inP, outP;
+    inP.len = sizeof(in);
     inP.payload = reinterpret_cast<uintptr_t>(&in);
     outP.payload = reinterpret_cast<uintptr_t>(&out);
     p->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);

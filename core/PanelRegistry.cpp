@@ -1,0 +1,62 @@
+#include "core/PanelRegistry.h"
+
+#include "core/PanelCorvane.h"
+
+namespace snapdragoncolor {
+
+std::mutex PanelRegistry::sLock;
+std::condition_variable PanelRegistry::sUnpinned;
+
+namespace {
+std::atomic<PanelCorvaneBase*>* slotOf(uint32_t index) {
+  if (index == 0) return &PanelCorvaneBase::sPrimaryPanel;
+  if (index == 1) return &PanelCorvaneBase::sSecondaryPanel;
+  return nullptr;
+}
+}  // namespace
+
+PanelRegistry::Pin::~Pin() {
+  if (mPanel == nullptr) return;
+  std::lock_guard<std::mutex> lock(sLock);
+  if (--mPanel->mPins == 0) sUnpinned.notify_all();
+}
+
+PanelCorvaneBase* PanelRegistry::Pin::get() const { return mPanel; }
+
+PanelRegistry::Pin PanelRegistry::pin(int index) {
+  std::atomic<PanelCorvaneBase*>* slot = index < 0 ? nullptr : slotOf(static_cast<uint32_t>(index));
+  if (slot == nullptr) return Pin();
+  std::lock_guard<std::mutex> lock(sLock);
+  // Only claim() fills a slot, and only with a PanelCorvane.
+  auto* panel = static_cast<PanelCorvane*>(slot->load(std::memory_order_relaxed));
+  if (panel == nullptr || panel->mWithdrawn) return Pin();
+  ++panel->mPins;
+  return Pin(panel);
+}
+
+PanelRegistry::Pin PanelRegistry::pinSelf(PanelCorvane* panel) {
+  std::lock_guard<std::mutex> lock(sLock);
+  if (panel == nullptr || panel->mWithdrawn) return Pin();
+  ++panel->mPins;
+  return Pin(panel);
+}
+
+bool PanelRegistry::claim(uint32_t index, PanelCorvane* panel) {
+  std::atomic<PanelCorvaneBase*>* slot = slotOf(index);
+  if (slot == nullptr) return false;
+  std::lock_guard<std::mutex> lock(sLock);
+  PanelCorvaneBase* expected = nullptr;
+  return slot->compare_exchange_strong(expected, panel, std::memory_order_relaxed);
+}
+
+void PanelRegistry::withdraw(PanelCorvane* panel) {
+  std::unique_lock<std::mutex> lock(sLock);
+  panel->mWithdrawn = true;
+  for (uint32_t index = 0; index < 2; ++index) {
+    PanelCorvaneBase* self = panel;
+    slotOf(index)->compare_exchange_strong(self, nullptr, std::memory_order_relaxed);
+  }
+  sUnpinned.wait(lock, [panel] { return panel->mPins == 0; });
+}
+
+}  // namespace snapdragoncolor
