@@ -1,101 +1,109 @@
-// Binder threads, the worker and the colour manager's thread at once. Bounded in count; the
-// point is that ThreadSanitizer stays quiet and nothing deadlocks or crashes.
+// The storm: frames on both panels at changing brightness, HIDL and AIDL regenerations of the
+// same panel at once, the secondary panel folding and unfolding (DeInit/Init) while AIDL and
+// HIDL commands reach it, DeInit during a regeneration, and a panel's first frame while the
+// other panel's DeInit releases the property file. Every table a frame receives must be one the
+// panel can legitimately have at that moment, and the cache files left at the end must equal a
+// clean generation byte for byte.
+//
+// PC_STRESS_ROUNDS (frames and commands per thread) and PC_STRESS_CYCLES (secondary folds) size
+// it; the defaults keep a sanitizer run of the suite short.
 #include <gtest/gtest.h>
-
-#include <pchost/host.h>
 
 #include <thread>
 
-#include "core/PanelCorvane.h"
-#include "services/MixLut3DAidl.h"
-#include "tests/core/CoreFixture.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tests/services/TwoPanelRig.h"
 
-using snapdragoncolor::GamutConfig;
-using snapdragoncolor::HwConfigOutputParams;
-using snapdragoncolor::ModeRenderInputParams;
+using snapdragoncolor::Lut3DCacheManager;
 using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
+using snapdragoncolor::PanelCorvaneBE;
 using snapdragoncolor::ScPayload;
 using Vec = PanelCorvane::hidl_vec_i32;
 
 namespace {
 
-class StressTest : public pctest::CoreTest {
-};
+class StormTest : public pctest::TwoPanelRig {};
 
-void frame(PanelCorvane* panel, int intent) {
-  ModeRenderInputParams in;
-  in.color_mode.gamut = 1;
-  in.color_mode.intent = intent;
-  HwConfigOutputParams out;
-  out.payload.emplace_back("PostBlendGamut", std::make_shared<GamutConfig>());
-  out.payload.emplace_back("PostBlendGC", std::make_shared<snapdragoncolor::HwConfigPayload>());
-  ScPayload inP, outP;
-  inP.payload = reinterpret_cast<uintptr_t>(&in);
-  outP.payload = reinterpret_cast<uintptr_t>(&out);
-  panel->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);
-}
+TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
+  const int rounds = pctest::envCount("PC_STRESS_ROUNDS", 1500);
+  const int cycles = pctest::envCount("PC_STRESS_CYCLES", 30);
+  const int intents[] = {1, 256, 258, 303};
+  std::atomic<int> badFrames{0};
+  std::atomic<int> tablesSeen{0};
+  std::atomic<bool> folding{true};
+  std::atomic<int> binders{2};  // frames go on until the binder threads are through
 
-TEST_F(StressTest, ServicesFramesAndLifecycleTogether) {
-  std::string error;
-  ASSERT_TRUE(pctool::writeSyntheticDevice(root.path(), {}, &error)) << error;
-  root.write("/data/vendor/display/.keep", "");
-  auto display = addDisplayService();
-  PanelCorvane* primary = make();
-  PanelCorvane* secondary = make();
-  primary->Init("PanelCorvane_primary");
-  ASSERT_TRUE(pctest::waitFor([&] { return primary->tablesReady(); }));
-  ASSERT_TRUE(pctest::waitFor([&] { return PanelCorvaneBase::sIsHidlRegitsered.load(); }));
-  frame(primary, 256);  // the once-per-process property reads happen before the storm
-
-  constexpr int kRounds = 300;
-  std::atomic<bool> stop{false};
   std::vector<std::thread> threads;
-  for (int t = 0; t < 3; ++t) {
-    threads.emplace_back([&, t] {
-      for (int i = 0; i < kRounds && !stop; ++i) {
-        switch ((i + t) % 6) {
-          case 0: primary->configureSet(123, Vec{0, 3500 + i}); break;
-          case 1: primary->configureSet(518, Vec{0, i % 8}); break;
-          case 2: primary->configureGet(101, Vec{}, [](int32_t, const Vec&) {}); break;
-          case 3: primary->configureSet(911, Vec{1}); break;
-          case 4: primary->set(30000 + i); break;
-          default: {
-            PanelCorvane::MixLut3DAidl aidl;
-            int32_t r = 0;
-            aidl.set(i % 3, 10002 + (i % 2), &r);
-          }
-        }
-      }
-    });
-  }
-  threads.emplace_back([&] {  // the colour manager's frames on the primary panel
-    for (int i = 0; i < kRounds; ++i) {
+  threads.emplace_back([&] {  // the colour manager's thread of the primary panel
+    pctest::FrameSender frames;
+    for (int i = 0; i < rounds || binders > 0; ++i) {
+      pctest::setBrightnessFraction(primary, fractionFor(level(i / 3)));
       bool needs = false;
       ScPayload q;
       q.prop = 2;
       q.len = 1;
       q.payload = reinterpret_cast<uintptr_t>(&needs);
       primary->GetProperty(&q);
-      double b = (i % 10) / 10.0;
-      ScPayload bp;
-      bp.prop = 769;
-      bp.payload = reinterpret_cast<uintptr_t>(&b);
-      primary->SetProperty(bp);
-      frame(primary, (i % 2) ? 1 : 256);
+      if (i % 50 == 0) PanelCorvaneBE::resetAssetSwitches();  // a first ordinary frame again
+      if (!frames.send(primary, intents[i % 4], witness[0])) ++badFrames;
     }
+    tablesSeen += frames.tablesSeen;
   });
-  threads.emplace_back([&] {  // the secondary panel comes and goes
-    for (int i = 0; i < 20; ++i) {
-      secondary->Init("PanelCorvane_secondary");
+  threads.emplace_back([&] {  // the secondary panel folds and unfolds, with frames between
+    pctest::FrameSender frames;
+    for (int c = 0; c < cycles; ++c) {
       secondary->DeInit();
+      {
+        // The table memory as a new process finds it, so that the next loading job allocates
+        // and loads again and regenerations of this panel have real tables to work on.
+        std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(1));
+        Lut3DCacheManager::sNumOfLut3D[1] = 0;
+      }
+      secondary->generateCfgFile();  // finds no memory: the panel's tables are not ready
+      secondary->Init(kSecondaryName);
+      for (int i = 0; i < rounds / cycles; ++i) {
+        if (!frames.send(secondary, intents[(i + c) % 4], witness[1])) ++badFrames;
+      }
     }
+    tablesSeen += frames.tablesSeen;
+    folding = false;
   });
-  for (auto& th : threads) th.join();
-  stop = true;
-  EXPECT_TRUE(primary->initDone());
-  EXPECT_TRUE(primary->tablesReady());
+  threads.emplace_back([&] {  // HIDL binder thread
+    for (int i = 0; i < rounds / 4 || folding; ++i) {
+      switch (i % 6) {
+        case 0: primary->configureSet(518, Vec{0, 104}); break;  // regenerate the current panel
+        case 1: primary->configureSet(518, Vec{0, 101}); break;  // content chooses again
+        case 2: primary->configureSet(123, Vec{0, static_cast<int>(level(i))}); break;
+        case 3: primary->configureGet(518, Vec{0, 104}, [](int32_t, const Vec&) {}); break;
+        case 4: primary->configureSet(111, Vec{}); break;
+        default: primary->configureGet(112, Vec{}, [](int32_t, const Vec&) {}); break;
+      }
+    }
+    --binders;
+  });
+  threads.emplace_back([&] {  // AIDL binder thread
+    for (int i = 0; i < rounds / 4 || folding; ++i) {
+      switch (i % 5) {
+        case 0: aidlSet(0, 104); break;
+        case 1: aidlSet(1, 30000 + static_cast<int>(level(i))); break;
+        case 2: aidlSet(1, 104); break;
+        case 3: aidlSet(1, 10002 + i % 2); break;
+        default: aidlSet(0, 101); break;
+      }
+    }
+    --binders;
+  });
+  for (auto& t : threads) t.join();
+
+  EXPECT_EQ(badFrames, 0) << "of " << tablesSeen << " tables received";
+  // Once the storm is over the primary panel serves its tables again.
+  PanelCorvane::hidl_vec_i32 contentChooses{0, 101};
+  primary->configureSet(518, contentChooses);
+  pctest::FrameSender last;
+  EXPECT_TRUE(last.send(primary, 256, witness[0]));
+  EXPECT_EQ(last.tablesSeen, 1);
+  EXPECT_EQ(cacheNow(0), cleanCache[0]);
+  EXPECT_EQ(cacheNow(1), cleanCache[1]);
+  EXPECT_TRUE(primary->initDone() && secondary->initDone());
 }
 
 }  // namespace
