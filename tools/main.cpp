@@ -16,6 +16,7 @@ void printUsage(FILE* out) {
   fprintf(out, "usage: panelcorvane COMMAND [ARGS...]\n\ncommands:\n");
   for (const auto& c : cmds) fprintf(out, "  %-10s %s\n", c.name, c.summary);
   fprintf(out, "\n'panelcorvane COMMAND --help' tells more about one command.\n");
+  fputs(pctool::kExitContract, out);
 }
 
 }  // namespace
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> args(argv + 2, argv + argc);
     if (std::find(args.begin(), args.end(), "--help") != args.end()) {
       fputs(c.help, stdout);
+      fputs(pctool::kExitContract, stdout);
       return pctool::kOk;
     }
     return c.run(args);
