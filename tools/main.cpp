@@ -1,5 +1,6 @@
 // panelcorvane: the host tool around the plugin. Each sub-command lives in tools/cli/.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -39,7 +40,13 @@ int main(int argc, char** argv) {
       fputs(pctool::kExitContract, stdout);
       return pctool::kOk;
     }
-    return c.run(args);
+    int status = c.run(args);
+    // Output sent to a full disk or a closed pipe is a failed job, not a success.
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+      fprintf(stderr, "panelcorvane %s: standard output: %s\n", c.name, std::strerror(errno));
+      if (status == pctool::kOk) status = pctool::kBadInput;
+    }
+    return status;
   }
   fprintf(stderr, "panelcorvane: unknown command '%s'\n", name.c_str());
   printUsage(stderr);

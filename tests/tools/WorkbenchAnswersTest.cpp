@@ -107,6 +107,9 @@ TEST_F(WorkbenchAnswers, AFailedWriteIsReportedWithFileAndReason) {
     EXPECT_EQ(r.status, 1) << cmd;
     EXPECT_NE(r.err.find("/dev/full: cannot write: No space left on device"), std::string::npos) << cmd << "\n" << r.err;
   }
+  // Standard output on a full disk fails the command too.
+  const int rc = std::system(("'" + tool + "' inspect '" + dir + "/t.cube' > /dev/full 2> /dev/null").c_str());
+  EXPECT_EQ(WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, 1);
 }
 
 TEST_F(WorkbenchAnswers, MkdeviceDoesNotLeaveAnOldCacheBehind) {

@@ -19,6 +19,9 @@ void gammaPlot(cairo_t* cr, const ReportPlan& plan) {
     for (const auto& c : *set)
       for (const auto& p : c.points) lo = std::min(lo, p.second), hi = std::max(hi, p.second);
   if (lo > hi) lo = 1.8, hi = 2.6;
+  // Implausible data (flagged in the notes) must not stretch the axis into thousands of ticks.
+  lo = std::max(lo, 0.5), hi = std::min(hi, 5.0);
+  if (lo >= hi) lo = 0.5, hi = 5.0;
   lo = std::floor((lo - 0.04) / 0.05) * 0.05;
   hi = std::ceil((hi + 0.04) / 0.05) * 0.05;
   const double step = hi - lo > 0.8 ? 0.2 : hi - lo > 0.3 ? 0.1 : 0.05;
@@ -49,8 +52,8 @@ void dePlot(cairo_t* cr, const ReportPlan& plan) {
   double hi = 0.5;
   for (const auto& c : plan.greyDe)
     for (const auto& p : c.points) hi = std::max(hi, p.second);
-  hi = std::ceil(hi * 1.15 * 2) / 2;
-  const double step = hi > 20 ? 5 : hi > 8 ? 2 : hi > 4 ? 1 : 0.5;
+  hi = std::min(std::ceil(hi * 1.15 * 2) / 2, 100.0);
+  const double step = hi > 50 ? 10 : hi > 20 ? 5 : hi > 8 ? 2 : hi > 4 ? 1 : 0.5;
   const Frame f{x, y, w, h, 0, 255, 0, hi};
   drawAxes(cr, f, 32, step, "%.0f", "%.1f", "grey level (8-bit signal)", "CIEDE2000 against the target",
            "Grey ramp: predicted CIEDE2000 after each table");

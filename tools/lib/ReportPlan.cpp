@@ -61,6 +61,7 @@ std::vector<size_t> groups(size_t n, Same same) {
 }
 
 double srgbEncode(double v) {
+  if (!std::isfinite(v)) return 0;
   v = v < 0 ? 0 : v > 1 ? 1 : v;
   return v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1 / 2.4) - 0.055;
 }

@@ -1,5 +1,6 @@
 #include "tools/lib/TableJobLog.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -44,7 +45,12 @@ std::string after(const std::string& text, const std::string& head) { return tex
 bool readPluginLog(const std::string& path, std::vector<PluginLogLine>& out, std::string& error) {
   out.clear();
   if (!checkInputFile(path, error)) return false;
-  std::ifstream in(path, std::ios::binary);
+  std::ifstream in(path, std::ios::binary | std::ios::ate);
+  if (static_cast<uint64_t>(in.tellg()) > kMaxLogBytes) {
+    error = "larger than " + std::to_string(kMaxLogBytes >> 20) + " MiB";
+    return false;
+  }
+  in.seekg(0);
   std::string line;
   size_t read = 0;
   while (std::getline(in, line)) {
