@@ -1,7 +1,9 @@
 #include "tools/lib/Report.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <vector>
 
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/FileAccess.h"
@@ -75,10 +77,12 @@ void drawHeader(cairo_t* cr, const ReportPlan& plan) {
 }
 
 void drawNotes(cairo_t* cr, const ReportPlan& plan) {
-  const size_t shown = plan.notes.size() < 4 ? plan.notes.size() : 4;
+  std::vector<std::string> lines(plan.notes.begin(), plan.notes.begin() + std::min<size_t>(plan.notes.size(), 4));
+  if (plan.notes.size() > 4)
+    lines.back() = "... and " + std::to_string(plan.notes.size() - 3) + " more notes: the report command lists them all";
   cairo_set_source_rgb(cr, 0.55, 0.1, 0.1);
-  for (size_t i = 0; i < shown; ++i)
-    drawText(cr, 40, kReportHeight - 18.0 * (shown - i) + 4, "note: " + plan.notes[i], 14);
+  for (size_t i = 0; i < lines.size(); ++i)
+    drawText(cr, 40, kReportHeight - 18.0 * (lines.size() - i) + 4, (i < 3 || plan.notes.size() <= 4 ? "note: " : "") + lines[i], 14);
 }
 
 }  // namespace

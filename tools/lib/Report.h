@@ -50,7 +50,7 @@ struct PanelReport {
 };
 
 constexpr int kReportWidth = 1800;
-constexpr int kReportHeight = 2360;
+constexpr int kReportHeight = 2420;
 
 // "report-<display name>.png", characters other than letters, digits, '-' and '_' as '_'.
 std::string reportFileName(const PanelReport& report);
