@@ -1,5 +1,6 @@
 // panelcorvane: the host tool around the plugin. Each sub-command lives in tools/cli/.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -16,6 +17,7 @@ void printUsage(FILE* out) {
   fprintf(out, "usage: panelcorvane COMMAND [ARGS...]\n\ncommands:\n");
   for (const auto& c : cmds) fprintf(out, "  %-10s %s\n", c.name, c.summary);
   fprintf(out, "\n'panelcorvane COMMAND --help' tells more about one command.\n");
+  fputs(pctool::kExitContract, out);
 }
 
 }  // namespace
@@ -35,9 +37,16 @@ int main(int argc, char** argv) {
     std::vector<std::string> args(argv + 2, argv + argc);
     if (std::find(args.begin(), args.end(), "--help") != args.end()) {
       fputs(c.help, stdout);
+      fputs(pctool::kExitContract, stdout);
       return pctool::kOk;
     }
-    return c.run(args);
+    int status = c.run(args);
+    // Output sent to a full disk or a closed pipe is a failed job, not a success.
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+      fprintf(stderr, "panelcorvane %s: standard output: %s\n", c.name, std::strerror(errno));
+      if (status == pctool::kOk) status = pctool::kBadInput;
+    }
+    return status;
   }
   fprintf(stderr, "panelcorvane: unknown command '%s'\n", name.c_str());
   printUsage(stderr);

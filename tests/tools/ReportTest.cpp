@@ -5,10 +5,13 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <set>
 
+#include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
 #include "tools/lib/DeviceFolder.h"
 #include "tools/lib/DeviceGrid.h"
+#include "tools/lib/ReportPlan.h"
 #include "tools/lib/SyntheticDevice.h"
 
 using snapdragoncolor::lut3d_info;
@@ -31,31 +34,125 @@ TEST(Report, BrightnessFollowsThePluginsQ12Rule) {
     EXPECT_EQ(pctool::brightnessOutput(c.even, c.odd, c.brightness), c.out) << c.even << "->" << c.odd << " @" << c.brightness;
 }
 
-TEST(Report, WritesAPngPageForEachPanelOfADeviceTree) {
-  pctest::resetSharedState();
+// A device tree with a table cache of 8 tables whose trailer names `source`: identity tables,
+// the full-brightness ones with green scaled so each pair moves.
+class ReportPages : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    pctest::resetSharedState();
+    std::string err;
+    ASSERT_TRUE(pctool::writeSyntheticDevice(root.path(), pctool::SyntheticDeviceOptions{}, &err)) << err;
+  }
+  void writeCache(uint32_t panel, uint32_t source) {
+    std::vector<lut3d_info> t(8);
+    for (uint32_t k = 0; k < 8; ++k) {
+      pctool::setIdentity(t[k], k);
+      if (k % 2)
+        for (auto& e : t[k].entries) e.out[1] = e.in[1] * (8 - k / 2) / 8;
+    }
+    uint32_t trailer[4] = {source, panel, 1, 0};
+    trailer[3] = snapdragoncolor::Lut3DCacheManager::checkSum(t.data(), 8, source, panel, 1);
+    std::string image(reinterpret_cast<const char*>(t.data()), 8 * sizeof(lut3d_info));
+    root.write(pctool::cacheFilePath(panel), image + std::string(reinterpret_cast<const char*>(trailer), 16));
+  }
+  std::vector<pctool::PanelReport> collect(const std::vector<pctool::TableJob>* jobs = nullptr) {
+    std::vector<pctool::PanelReport> reports;
+    std::string err;
+    EXPECT_TRUE(pctool::collectDeviceReports(root.path(), reports, err, jobs)) << err;
+    return reports;
+  }
   pctest::TempRoot root;
-  std::string err;
-  pctool::SyntheticDeviceOptions opt;
-  ASSERT_TRUE(pctool::writeSyntheticDevice(root.path(), opt, &err)) << err;
-  std::vector<pctool::PanelReport> reports;
-  ASSERT_TRUE(pctool::collectDeviceReports(root.path(), reports, err)) << err;
+};
+
+TEST_F(ReportPages, WithoutACacheThePageSaysSoAndDrawsNoEmptyPlot) {
+  const auto reports = collect();
   ASSERT_EQ(reports.size(), 2u);
-  EXPECT_EQ(reports[0].panelName, "PanelCorvane_primary (panel 0)");
   EXPECT_EQ(reports[1].panelName, "PanelCorvane_secondary (panel 1)");
-  EXPECT_TRUE(reports[1].hasOdf);
-  EXPECT_EQ(reports[1].odfLabel, "/mnt/vendor/persist/display/Loading_ON_1_max_d1.odf (local)");
-  EXPECT_EQ(reports[0].targets.size(), 4u);
+  EXPECT_EQ(reports[0].sourceText,
+            "optical data: unknown (no table cache); shown: the local data, which the plugin tries first");
+  ASSERT_EQ(reports[0].odfs.size(), 4u);  // every measurement set, not only _1_max
+  EXPECT_EQ(reports[0].odfs[3].path, "/mnt/vendor/persist/display/Loading_ON_2_100nit.odf");
+  EXPECT_EQ(reports[0].targets.size(), 8u);
+  EXPECT_EQ(pctool::reportFileName(reports[0]), "report-PanelCorvane_primary.png");
 
-  // Tables as the cache would hold them: pairs that differ, so the brightness plot has a slope.
-  auto even = std::make_shared<lut3d_info>(), odd = std::make_shared<lut3d_info>();
-  pctool::setIdentity(*even, 0);
-  pctool::setIdentity(*odd, 1);
-  for (auto& e : even->entries) e.out[1] = e.in[1] * 3 / 4;
-  reports[0].tables = {{"0 Vivid 100-nit", even}, {"1 Vivid", odd}};
-  EXPECT_EQ(pctool::pickBrightnessNode(reports[0]), pctool::entryIndex(0, 16, 0));
+  const pctool::ReportPlan plan = pctool::planReport(reports[0]);
+  EXPECT_FALSE(plan.brightnessDrawn);
+  EXPECT_EQ(plan.brightnessNote, "no table pairs: the brightness interpolation needs the panel's table cache");
+  EXPECT_TRUE(plan.swatches.empty());
+  EXPECT_TRUE(plan.greyDe.empty());
+  EXPECT_EQ(plan.gammaMeasured.size(), 4u);
+  EXPECT_EQ(plan.gammaMeasured[0].points.size(), 7u);  // the exponent at each measured level
+}
 
+TEST_F(ReportPages, CoincidingTargetsStayVisibleAndSaySo) {
+  const pctool::ReportPlan plan = pctool::planReport(collect()[0]);
+  std::vector<std::string> labels;
+  for (const auto& t : plan.gamut) labels.push_back(t.label);
+  const std::vector<std::string> expected = {
+      "target Vivid",   "target Nature",   "target Cinema (same as Vivid)", "target LsRGB (same as Nature)",
+      "panel 1_max",    "panel 2_max",     "panel 1_100nit",                "panel 2_100nit"};
+  EXPECT_EQ(labels, expected);
+  // Vivid and Cinema share their line in turns: same dash, other offsets; neither solid.
+  const auto& vivid = plan.gamut[0].style;
+  const auto& cinema = plan.gamut[2].style;
+  EXPECT_FALSE(vivid.dash.empty());
+  EXPECT_EQ(vivid.dash, cinema.dash);
+  EXPECT_NE(vivid.dashOffset, cinema.dashOffset);
+  std::set<std::vector<double>> setDashes;
+  for (size_t i = 4; i < 8; ++i) setDashes.insert(plan.gamut[i].style.dash);
+  EXPECT_EQ(setDashes.size(), 4u);  // one dash pattern per measurement set
+}
+
+TEST_F(ReportPages, TablesAreJudgedAgainstTheirTargetOnTheDataTheyCameFrom) {
+  writeCache(0, 1);
+  pctool::TableJob job;
+  job.displayName = "PanelCorvane_primary";
+  job.identity = pctool::TableJob::Identity::NotMatched;
+  const std::vector<pctool::TableJob> jobs = {job};
+  const auto reports = collect(&jobs);
+  const pctool::PanelReport& rep = reports[0];
+  EXPECT_EQ(rep.sourceText, "optical data: golden (identity not matched)");
+  EXPECT_EQ(rep.odfs[0].path, "/odm/etc/PanelCorvane/PanelCorvane_primary_1_max.odf");
+  ASSERT_EQ(rep.tables.size(), 8u);
+  // Table 0 (Vivid 100-nit) comes from the _2_100nit data and the Vivid 100-nit target.
+  EXPECT_EQ(rep.odfs[static_cast<size_t>(rep.tables[0].odf)].set, "2_100nit");
+  EXPECT_EQ(rep.targets[static_cast<size_t>(rep.tables[0].target)].mode, "Vivid");
+  EXPECT_TRUE(rep.targets[static_cast<size_t>(rep.tables[0].target)].nits100);
+  EXPECT_EQ(rep.odfs[static_cast<size_t>(rep.tables[3].odf)].set, "1_max");
+  EXPECT_EQ(reports[1].sourceText.rfind("optical data: unknown (no table cache); shown: ", 0), 0u);
+
+  const pctool::ReportPlan plan = pctool::planReport(rep);
+  ASSERT_EQ(plan.swatches.size(), 8u);
+  for (const auto& row : plan.swatches) {
+    ASSERT_EQ(row.cells.size(), 21u) << row.table << ": " << row.note;
+    EXPECT_EQ(row.cells[11].colour, "cyan");
+    EXPECT_GE(row.cells[0].de, 0.0);
+  }
+  EXPECT_EQ(plan.colourNames.size(), 21u);
+  EXPECT_EQ(plan.greyDe.size(), 8u);
+  ASSERT_TRUE(plan.brightnessDrawn);
+  EXPECT_EQ(plan.brightness.size(), 12u);  // R, G and B of four pairs
+  ASSERT_EQ(plan.brightnessKey.size(), 5u);
+  EXPECT_EQ(plan.brightnessKey[0], "R solid, G dashed, B dotted");
+  EXPECT_EQ(plan.brightnessKey[2].rfind("Nature 2->3: ", 0), 0u) << plan.brightnessKey[2];
+
+  // One colour per mode across the whole page.
+  for (const auto& t : plan.gamut) {
+    if (!t.measured) {
+      EXPECT_EQ(t.style.colour, pctool::modeColourIndex(t.label.substr(7, t.label.find(' ', 7) - 7)));
+    }
+  }
+  for (const auto& c : plan.greyDe) EXPECT_EQ(c.style.colour, pctool::modeColourIndex(pctool::modeOfTable(c.label)));
+  for (size_t k = 0; k < 4; ++k)
+    EXPECT_EQ(plan.brightness[3 * k].style.colour, pctool::modeColourIndex(plan.brightnessKey[k + 1].substr(0, plan.brightnessKey[k + 1].find(' '))));
+}
+
+TEST_F(ReportPages, PngIsWrittenOrTheReasonGiven) {
+  writeCache(0, 0);
+  const auto reports = collect();
+  std::string err;
   const std::string png = root.path() + "/page.png";
-  bool ok = pctool::writeReportPng(reports[0], png, err);
+  const bool ok = pctool::writeReportPng(reports[0], png, err);
   if (!pctool::reportSupported()) {
     EXPECT_FALSE(ok);
     EXPECT_EQ(err, "built without cairo");
@@ -70,12 +167,25 @@ TEST(Report, WritesAPngPageForEachPanelOfADeviceTree) {
     return uint32_t(uint8_t(bytes[at])) << 24 | uint32_t(uint8_t(bytes[at + 1])) << 16 |
            uint32_t(uint8_t(bytes[at + 2])) << 8 | uint32_t(uint8_t(bytes[at + 3]));
   };
-  EXPECT_EQ(bytes.substr(12, 4), "IHDR");
   EXPECT_EQ(be32(16), uint32_t(pctool::kReportWidth));
   EXPECT_EQ(be32(20), uint32_t(pctool::kReportHeight));
 
-  EXPECT_FALSE(pctool::writeReportPng(reports[0], root.path() + "/no/such/dir/page.png", err));
-  EXPECT_EQ(err.rfind("cannot write PNG: ", 0), 0u) << err;
+  EXPECT_FALSE(pctool::writeReportPng(reports[0], "/dev/full", err));
+  EXPECT_EQ(err, "cannot write: No space left on device");
+}
+
+TEST(ReportPlan, ScreenColoursOfLab) {
+  double rgb[3];
+  pctool::labToScreen(pctool::Lab{100, 0, 0}, rgb);
+  for (double v : rgb) EXPECT_NEAR(v, 1.0, 1e-3);
+  pctool::labToScreen(pctool::Lab{0, 0, 0}, rgb);
+  for (double v : rgb) EXPECT_NEAR(v, 0.0, 1e-9);
+  pctool::labToScreen(pctool::Lab{53.24, 80.09, 67.20}, rgb);  // sRGB red
+  EXPECT_NEAR(rgb[0], 1.0, 2e-3);
+  EXPECT_NEAR(rgb[1], 0.0, 2e-2);
+  EXPECT_EQ(pctool::modeOfTable("6 LsRGB 100-nit"), "LsRGB");
+  EXPECT_EQ(pctool::modeColourIndex("Nature"), 1);
+  EXPECT_GE(pctool::modeColourIndex("Night"), 4);
 }
 
 }  // namespace

@@ -121,12 +121,32 @@ TEST_F(TableSourceTest, LutTextIsCheckedBeforeThePluginReaderRunsOverIt) {
     EXPECT_FALSE(pctool::loadTables(put("bad.txt", c.content), t, err));
     EXPECT_EQ(err, c.error);
   }
-  // Inputs off the device grid are passed through, with a note.
+  // The plugin takes entries in file order: inputs must be the device grid, red fastest.
+  auto lut = std::make_unique<lut3d_info>();
+  pctool::setIdentity(*lut, 0);
+  std::string blueFastest;
+  for (uint32_t r = 0; r < pctool::kGrid; ++r)
+    for (uint32_t g = 0; g < pctool::kGrid; ++g)
+      for (uint32_t b = 0; b < pctool::kGrid; ++b) {
+        const auto& e = lut->entries[pctool::entryIndex(r, g, b)];
+        for (uint32_t v : {e.in[0], e.in[1], e.in[2], e.out[0], e.out[1], e.out[2]}) blueFastest += std::to_string(v) + " ";
+        blueFastest += "\n";
+      }
   std::string moved = text;
   moved.replace(0, 1, "9");
-  ASSERT_TRUE(pctool::loadTables(put("moved.txt", moved), t, err)) << err;
-  ASSERT_EQ(t[0].notes.size(), 1u);
-  EXPECT_EQ(t[0].notes[0], "1 entries have inputs off the device grid (first: entry 0)");
+  struct Order {
+    std::string content, error;
+  } orders[] = {
+      {blueFastest,
+       "entries out of order: entry 1 (line 2) has inputs 0 0 256, expected 256 0 0 (red fastest: entry n = 289 b + "
+       "17 g + r); the file lists blue fastest"},
+      {moved, "entries out of order: entry 0 (line 1) has inputs 9 0 0, expected 0 0 0 (red fastest: entry n = 289 b "
+              "+ 17 g + r)"},
+  };
+  for (const auto& c : orders) {
+    EXPECT_FALSE(pctool::loadTables(put("order.txt", c.content), t, err));
+    EXPECT_EQ(err, c.error);
+  }
 }
 
 }  // namespace

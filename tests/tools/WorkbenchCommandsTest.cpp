@@ -1,7 +1,5 @@
 // The workbench commands as an engineer runs them: exit statuses and one-line reasons.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -14,42 +12,18 @@
 #include "backend/LutTextFile.h"
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
+#include "tests/tools/ToolRunner.h"
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/Report.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/FileInfo.h"
 
+using pctest::ToolRun;
 using snapdragoncolor::lut3d_info;
 
 namespace {
 
-struct ToolRun {
-  int status;
-  std::string out, err;
-};
-
-class WorkbenchCommands : public ::testing::Test {
- protected:
-  void SetUp() override {
-    pctest::resetSharedState();
-    tool = std::string(PC_BUILD_DIR) + "/panelcorvane";
-    dir = root.path();
-  }
-  ToolRun run(const std::string& args) {
-    const std::string cmd = "'" + tool + "' " + args + " > '" + dir + "/out' 2> '" + dir + "/err'";
-    int rc = std::system(cmd.c_str());
-    auto slurp = [](const std::string& p) {
-      std::ifstream in(p);
-      std::stringstream ss;
-      ss << in.rdbuf();
-      return ss.str();
-    };
-    return {WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, slurp(dir + "/out"), slurp(dir + "/err")};
-  }
-  bool haveTool() const { return access(tool.c_str(), X_OK) == 0; }
-  pctest::TempRoot root;
-  std::string tool, dir;
-};
+class WorkbenchCommands : public pctest::ToolRunner {};
 
 std::unique_ptr<lut3d_info> warmTable() {
   auto lut = std::make_unique<lut3d_info>();

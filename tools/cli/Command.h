@@ -4,15 +4,14 @@
 #include <string>
 #include <vector>
 
-namespace pctool {
+#include "tools/cli/ExitStatus.h"
 
-// Exit statuses shared by every command.
-enum Exit : int { kOk = 0, kBadInput = 1, kUsage = 2 };
+namespace pctool {
 
 struct Command {
   const char* name;
   const char* summary;  // one line for the command list
-  const char* help;     // full --help text
+  const char* help;     // --help text; main adds the exit-status contract after it
   int (*run)(const std::vector<std::string>& args);  // args after the command name
 };
 

@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "backend/LutTextFile.h"
 #include "tools/cli/Command.h"
 #include "tools/lib/CliArgs.h"
 #include "tools/lib/CubeFile.h"
+#include "tools/lib/FileAccess.h"
 #include "tools/lib/TableSource.h"
 
 namespace pctool {
@@ -27,7 +27,9 @@ const char kHelp[] =
     "  --table K     export only table K (0-based) of a cache\n"
     "  --title TEXT  TITLE of the .cube (default: the source's name)\n"
     "\n"
-    "Exit status: 0 done, 1 the input is unusable (reason on stderr), 2 bad usage.\n";
+    "A LUT text file must list its entries red fastest, on the device grid (entry n = 289 b +\n"
+    "17 g + r has inputs 256 r, 256 g, 256 b, level 16 being 4095); a file in another order is\n"
+    "refused with its first wrong entry.\n";
 
 bool endsWith(const std::string& s, const std::string& tail) {
   return s.size() >= tail.size() && s.compare(s.size() - tail.size(), tail.size(), tail) == 0;
@@ -71,17 +73,11 @@ int run(const std::vector<std::string>& args) {
     const LoadedTable& t = tables[k];
     for (const auto& note : t.notes) fprintf(stderr, "panelcorvane export: %s: note: %s\n", in.c_str(), note.c_str());
     const std::string out = several ? numbered(outPath, k) : outPath;
-    bool ok;
-    if (cube) {
-      ok = CubeFile::writeFile(out, *t.lut, a.value("--title", t.label), err);
-    } else {
-      ok = snapdragoncolor::LutTextFile::writeFile(out.c_str(), *t.lut);
-      if (!ok) err = "cannot write";
-    }
+    const bool ok = cube ? CubeFile::writeFile(out, *t.lut, a.value("--title", t.label), err)
+                         : writeWholeFile(out, lutTextImage(*t.lut), err);
     if (!ok) {
-      // The output is not an input file: a failure to write it is a usage problem.
       fprintf(stderr, "panelcorvane export: %s: %s\n", out.c_str(), err.c_str());
-      return kUsage;
+      return kBadInput;
     }
     printf("wrote %s (%s, %s)\n", out.c_str(), t.label.c_str(), cube ? ".cube" : "LUT text");
     ++written;

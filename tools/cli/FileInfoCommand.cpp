@@ -21,7 +21,13 @@ const char kHelp[] =
     "  LUT text file, .cube the table's header, grid, output ranges and dE76 verdict\n"
     "  mode target          chromaticities, exponent, gamma-correction parameters\n"
     "\n"
-    "Exit status: 0 the file is sound, 1 it is not (one-line reason on stderr), 2 bad usage.\n";
+    "Optical data and targets are checked for data that cannot exist, naming the field: such\n"
+    "a file is refused (exit 1 after the description), e.g. a white without luminance, a\n"
+    "chromaticity outside the spectral locus, coinciding primaries, a grey ramp that does not\n"
+    "rise, a target exponent that decodes with a power outside 1..4. Implausible values\n"
+    "(white outside 1..10000 cd/m2, a grey exponent outside 1.5..3.2, a target gamma outside\n"
+    "1.6..3.0, ...) are listed as warnings and keep the status 0. A LUT text file must list\n"
+    "its entries red fastest on the device grid; another order is refused.\n";
 
 int run(const std::vector<std::string>& args) {
   if (args.size() != 1 || (args[0].size() > 1 && args[0][0] == '-')) {

@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "tools/cli/Command.h"
 #include "tools/lib/SyntheticDevice.h"
@@ -12,12 +13,18 @@ namespace {
 const char kHelp[] =
     "usage: panelcorvane mkdevice DIR [--seed N] [--tables 6|8] [--primary NAME]\n"
     "                             [--secondary NAME] [--param-version N] [--no-gamma]\n"
-    "                             [--no-100nits] [--no-local] [--mismatch]\n"
+    "                             [--no-100nits] [--no-local] [--mismatch] [--force]\n"
     "\n"
     "Writes a synthetic device tree under DIR, for use as PANELCORVANE_ROOT: the property\n"
     "file, golden and local optical data of two wide-gamut OLED-like panels (varied by\n"
     "--seed, default 1), the Vivid, Nature, Cinema and LsRGB targets with their 100-nit\n"
     "variants, the panel identity stamps and the matching serial numbers in /dev/tarnu_display.\n"
+    "The same seed and options always give byte-identical files.\n"
+    "\n"
+    "DIR must be empty or missing: a tree written over an older one would keep the older\n"
+    "panel's table cache, and the plugin would load it. With --force, the parts of an older\n"
+    "tree (odm/etc/PanelCorvane, mnt/vendor/persist/display, dev/tarnu_display and the cache\n"
+    "folder data/vendor/display) are removed first and listed; anything else in DIR stays.\n"
     "\n"
     "  --tables 6|8        8 (default): CMDebug=1, FWVersion=943440; 6: CMDebug=0,\n"
     "                      FWVersion=707584 and no LsRGB targets\n"
@@ -28,8 +35,7 @@ const char kHelp[] =
     "  --no-100nits        inParam100nits=0\n"
     "  --no-local          leave out the persist partition's optical data\n"
     "  --mismatch          identity stamps that do not match the serial numbers\n"
-    "\n"
-    "exit status: 0 ok, 1 a file could not be written, 2 bad usage\n";
+    "  --force             replace an existing tree in DIR\n";
 
 bool parseUnsigned(const std::string& s, unsigned* out) {
   if (s.empty() || s[0] == '-' || s[0] == '+') return false;
@@ -49,6 +55,7 @@ int usage(const std::string& why) {
 int run(const std::vector<std::string>& args) {
   SyntheticDeviceOptions o;
   std::string dir;
+  bool force = false;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
     const bool hasValue = i + 1 < args.size();
@@ -74,6 +81,8 @@ int run(const std::vector<std::string>& args) {
       o.localData = false;
     } else if (a == "--mismatch") {
       o.matched = false;
+    } else if (a == "--force") {
+      force = true;
     } else if (!a.empty() && a[0] == '-') {
       return usage("unknown option '" + a + "'");
     } else if (dir.empty()) {
@@ -84,6 +93,27 @@ int run(const std::vector<std::string>& args) {
   }
   if (dir.empty()) return usage("DIR missing");
   std::string error;
+  namespace fs = std::filesystem;
+  std::error_code ec;
+  if (fs::exists(dir, ec) && !fs::is_directory(dir, ec)) {
+    fprintf(stderr, "panelcorvane mkdevice: %s: not a folder\n", dir.c_str());
+    return kBadInput;
+  }
+  if (fs::is_directory(dir, ec) && !fs::is_empty(dir, ec)) {
+    if (!force) {
+      fprintf(stderr,
+              "panelcorvane mkdevice: %s: not empty; --force replaces the device tree in it "
+              "(its table cache included)\n",
+              dir.c_str());
+      return kBadInput;
+    }
+    std::vector<std::string> removed;
+    if (!clearDeviceTree(dir, &removed, &error)) {
+      fprintf(stderr, "panelcorvane mkdevice: %s\n", error.c_str());
+      return kBadInput;
+    }
+    for (const auto& r : removed) printf("removed %s/%s\n", dir.c_str(), r.c_str());
+  }
   if (!writeSyntheticDevice(dir, o, &error)) {
     fprintf(stderr, "panelcorvane mkdevice: %s\n", error.c_str());
     return kBadInput;

@@ -5,7 +5,9 @@
 #include <iostream>
 
 #include "tools/cli/Command.h"
+#include "tools/lib/FileAccess.h"
 #include "tools/lib/OdfWriter.h"
+#include "tools/lib/Plausibility.h"
 
 namespace pctool {
 namespace {
@@ -24,12 +26,32 @@ const char kHelp[] =
     "  grey LEVEL Y        LEVEL one of 3584 3072 2560 2048 1536 1024 512 (all seven)\n"
     "  value INDEX NUMBER  raw float position 0..126, applied last\n"
     "\n"
-    "exit status: 0 ok, 1 unreadable, short or corrupt input file, 2 bad usage\n";
+    "Both check that the data describes a panel that can exist, naming the field:\n"
+    "  refused (print: exit 1 after the values; write: exit 1, nothing written): a value that\n"
+    "    is not finite, a negative XYZ, a primary or white without luminance, a chromaticity\n"
+    "    outside the spectral locus, coinciding or collinear primaries, a white outside their\n"
+    "    triangle, a grey ramp that does not rise towards white;\n"
+    "  warned about (stderr, exit 0): white luminance outside 1..10000 cd/m2, red + green +\n"
+    "    blue luminance more than 10 % from white's, a grey exponent outside 1.5..3.2.\n";
+
+std::string number(const char* f, double v) {
+  if (!std::isfinite(v)) return "-";
+  char buf[32];
+  std::snprintf(buf, sizeof buf, f, v);
+  return buf;
+}
 
 void printXyz(const char* label, const double* xyz) {
   const double sum = xyz[0] + xyz[1] + xyz[2];
-  const double x = sum != 0 ? xyz[0] / sum : NAN, y = sum != 0 ? xyz[1] / sum : NAN;
-  printf("%-6s X %10.4f  Y %10.4f  Z %10.4f   x %.4f  y %.4f\n", label, xyz[0], xyz[1], xyz[2], x, y);
+  const bool chroma = sum > 0 && std::isfinite(sum);
+  printf("%-6s X %10.4f  Y %10.4f  Z %10.4f   x %s  y %s\n", label, xyz[0], xyz[1], xyz[2],
+         chroma ? number("%.4f", xyz[0] / sum).c_str() : "-", chroma ? number("%.4f", xyz[1] / sum).c_str() : "-");
+}
+
+// Prints the findings on stderr; true when none refuses the data.
+bool report(const std::string& path, const std::vector<Finding>& findings) {
+  for (const auto& f : findings) fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), f.line().c_str());
+  return !anyRefused(findings);
 }
 
 int print(const std::string& path) {
@@ -45,20 +67,24 @@ int print(const std::string& path) {
   printXyz("green", m.green);
   printXyz("blue", m.blue);
   printXyz("white", m.white);
-  printf("grey ramp (level, Y, Y/white, exponent):\n");
+  printf("grey ramp (level, Y cd/m2, Y/white, exponent):\n");
   printf("  %4d %10.4f %8.5f\n", 4095, m.white[1], 1.0);
+  const bool whiteKnown = m.white[1] > 0 && std::isfinite(m.white[1]);
   for (int k = 0; k < 7; ++k) {
-    const double rel = m.greyY[k] / m.white[1];
-    printf("  %4d %10.4f %8.5f %7.4f\n", kOdfGreyLevels[k], m.greyY[k], rel,
-           std::log(rel) / std::log(kOdfGreyLevels[k] / 4095.0));
+    const double rel = whiteKnown ? m.greyY[k] / m.white[1] : NAN;
+    const double e = rel > 0 ? std::log(rel) / std::log(kOdfGreyLevels[k] / 4095.0) : NAN;
+    printf("  %4d %10.4f %8s %7s\n", kOdfGreyLevels[k], m.greyY[k], number("%.5f", rel).c_str(),
+           number("%.4f", e).c_str());
   }
   const bool ok = odf.crcOk();
-  printf("crc: stored %#06x computed %#06x %s\n", odf.storedCrc, odf.computedCrc,
-         ok ? "OK" : "MISMATCH");
-  if (ok) return kOk;
-  fprintf(stderr, "panelcorvane odf: %s: checksum mismatch (stored %#06x, computed %#06x)\n",
-          path.c_str(), odf.storedCrc, odf.computedCrc);
-  return kBadInput;
+  printf("crc: stored %#06x computed %#06x %s\n", odf.storedCrc, odf.computedCrc, ok ? "OK" : "MISMATCH");
+  fflush(stdout);
+  if (!ok) {
+    fprintf(stderr, "panelcorvane odf: %s: checksum mismatch (stored %#06x, computed %#06x)\n", path.c_str(),
+            odf.storedCrc, odf.computedCrc);
+    return kBadInput;
+  }
+  return report(path, checkOpticalData(odf.values.v)) ? kOk : kBadInput;
 }
 
 int write(const std::string& out, const std::string* textPath) {
@@ -66,16 +92,24 @@ int write(const std::string& out, const std::string* textPath) {
   std::string error;
   bool parsed;
   if (textPath != nullptr) {
-    std::ifstream in(*textPath);
-    if (!in) {
-      fprintf(stderr, "panelcorvane odf: %s: cannot open\n", textPath->c_str());
+    if (!checkInputFile(*textPath, error)) {
+      fprintf(stderr, "panelcorvane odf: %s: %s\n", textPath->c_str(), error.c_str());
       return kBadInput;
     }
+    std::ifstream in(*textPath);
     parsed = parseOdfText(in, *textPath, &values, &error);
   } else {
     parsed = parseOdfText(std::cin, "<stdin>", &values, &error);
   }
-  if (!parsed || !writeOdfFile(out, values, &error)) {
+  if (!parsed) {
+    fprintf(stderr, "panelcorvane odf: %s\n", error.c_str());
+    return kBadInput;
+  }
+  if (!report(textPath ? *textPath : "<stdin>", checkOpticalData(values.v))) {
+    fprintf(stderr, "panelcorvane odf: %s not written\n", out.c_str());
+    return kBadInput;
+  }
+  if (!writeOdfFile(out, values, &error)) {
     fprintf(stderr, "panelcorvane odf: %s\n", error.c_str());
     return kBadInput;
   }

@@ -1,6 +1,5 @@
 #include "tools/cli/SimulateOutputs.h"
 
-#include <cctype>
 #include <cstdio>
 
 #include "tools/lib/CubeFile.h"
@@ -36,46 +35,43 @@ std::string SimulateOutputs::recordTable(int panel, const snapdragoncolor::lut3d
   return t.file;
 }
 
-void SimulateOutputs::finish(const std::vector<std::string>& /*logLines*/,
-                             const std::string& /*primary*/, const std::string& /*secondary*/) {
+bool SimulateOutputs::finish(const std::vector<PluginLogLine>& log) {
+  bool ok = true;
   int written = 0;
   for (const auto& [key, t] : mTables) {
     std::string error;
-    std::string title = "PanelCorvane panel " + std::to_string(t.panel) + " table " +
-                        std::to_string(t.lut.lut3d_id);
-    if (CubeFile::writeFile((mOut / t.file).string(), t.lut, title, error)) {
+    const std::string path = (mOut / t.file).string();
+    std::string title = "PanelCorvane panel " + std::to_string(t.panel) + " table " + std::to_string(t.lut.lut3d_id);
+    if (CubeFile::writeFile(path, t.lut, title, error)) {
       ++written;
     } else {
-      fprintf(stderr, "simulate: %s\n", error.c_str());
+      fprintf(stderr, "panelcorvane simulate: %s: %s\n", path.c_str(), error.c_str());
+      ok = false;
     }
   }
-  printf("tables: %d distinct table(s) applied, written as .cube files in %s\n", written,
-         mOut.string().c_str());
+  printf("tables: %d distinct table(s) applied, written as .cube files in %s\n", written, mOut.string().c_str());
 
   if (!reportSupported()) {
-    printf("report: not drawn (built without cairo; install libcairo2-dev and rebuild)\n");
-    return;
+    printf("report: not drawn (built without cairo; run scripts/install-deps.sh and build again)\n");
+    return ok;
   }
   std::vector<PanelReport> reports;
   std::string error;
-  if (!collectDeviceReports((mOut / "device").string(), reports, error)) {
+  const std::vector<TableJob> jobs = tableJobs(log);
+  if (!collectDeviceReports((mOut / "device").string(), reports, error, &jobs)) {
     printf("report: not drawn (%s)\n", error.c_str());
-    return;
+    return ok;
   }
   for (const PanelReport& r : reports) {
-    std::string file = "report-";
-    for (char c : r.panelName) {
-      char k = std::isalnum(static_cast<unsigned char>(c)) || c == '_' ? c : '-';
-      if (k != '-' || file.back() != '-') file += k;
-    }
-    while (file.back() == '-') file.pop_back();
-    std::string path = (mOut / (file + ".png")).string();
+    const std::string path = (mOut / reportFileName(r)).string();
     if (writeReportPng(r, path, error)) {
       printf("report: %s\n", path.c_str());
     } else {
-      fprintf(stderr, "simulate: report of %s: %s\n", r.panelName.c_str(), error.c_str());
+      fprintf(stderr, "panelcorvane simulate: %s: %s\n", path.c_str(), error.c_str());
+      ok = false;
     }
   }
+  return ok;
 }
 
 }  // namespace pctool

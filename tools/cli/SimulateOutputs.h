@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "snapdragoncolor/sc_color_records.h"
+#include "tools/lib/TableJobLog.h"
 
 namespace pctool {
 
@@ -16,9 +17,9 @@ class SimulateOutputs {
   explicit SimulateOutputs(std::filesystem::path out) : mOut(std::move(out)) {}
   // Remembers a table applied to `panel`; returns the .cube file name it is written to.
   std::string recordTable(int panel, const snapdragoncolor::lut3d_info& lut);
-  // Writes the .cube files and the report, and prints where they are.
-  void finish(const std::vector<std::string>& logLines, const std::string& primary,
-              const std::string& secondary);
+  // Writes the .cube files and the report pages (the optical data's source and its reason
+  // from `log`), and prints where they are. False when an output could not be written.
+  bool finish(const std::vector<PluginLogLine>& log);
 
  private:
   struct Table {

@@ -6,6 +6,7 @@
 
 #include "tools/cli/Command.h"
 #include "tools/lib/CliArgs.h"
+#include "tools/lib/Plausibility.h"
 #include "tools/lib/TableSource.h"
 #include "tools/lib/Verify.h"
 
@@ -31,7 +32,15 @@ const char kHelp[] =
     "  --odf FILE     the panel's optical data (.odf)\n"
     "  --target FILE  the mode's target (.txt)\n"
     "\n"
-    "Exit status: 0 done (whatever the figures), 1 an input file is unusable, 2 bad usage.\n";
+    "The figures themselves never fail the command. The optical data and the target must\n"
+    "describe something that can exist: impossible data is refused (exit 1) naming the field -\n"
+    "a value that is not finite, a negative XYZ, a primary or white without luminance, a\n"
+    "chromaticity outside the spectral locus, coinciding or collinear primaries, a white\n"
+    "outside their triangle, a grey ramp that does not rise, a target exponent that decodes\n"
+    "with a power outside 1..4 (the file holds 1/gamma: 0.4545 for gamma 2.2). Implausible\n"
+    "data (white outside 1..10000 cd/m2, R+G+B luminance 10 % off white, a grey exponent\n"
+    "outside 1.5..3.2, a target gamma outside 1.6..3.0, an offset beyond +-0.5) is warned\n"
+    "about on stderr. A LUT text file must list its entries red fastest on the device grid.\n";
 
 int bad(const std::string& file, const std::string& why) {
   fprintf(stderr, "panelcorvane verify: %s: %s\n", file.c_str(), why.c_str());
@@ -71,6 +80,13 @@ int run(const std::vector<std::string>& args) {
     if (!readOdfFile(a.value("--odf"), odf, check, err)) return bad(a.value("--odf"), err);
     int count = 0;
     if (!readTargetFile(a.value("--target"), target, count, err)) return bad(a.value("--target"), err);
+    const std::pair<std::string, std::vector<Finding>> checked[2] = {
+        {a.value("--odf"), checkOpticalData(odf.values)}, {a.value("--target"), checkTarget(target, count)}};
+    for (const auto& [file, findings] : checked) {
+      for (const auto& f : findings)
+        if (!f.refused) fprintf(stderr, "panelcorvane verify: %s: %s\n", file.c_str(), f.line().c_str());
+      if (anyRefused(findings)) return bad(file, firstRefusal(findings));
+    }
   }
 
   std::vector<VerifyResult> results;

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <vector>
 
+#include "tools/lib/FileAccess.h"
 
 namespace pctool {
 
@@ -28,6 +29,7 @@ std::string hex16(unsigned v) {
 
 bool readOdfFile(const std::string& path, OpticalDataFile& odf, OdfCheck& check, std::string& error) {
   check = OdfCheck{};
+  if (!checkInputFile(path, error)) return false;
   std::ifstream in(path, std::ios::binary | std::ios::ate);
   if (!in) {
     error = "cannot open: " + std::string(std::strerror(errno));
@@ -106,6 +108,7 @@ bool parseTarget(const std::string& text, TargetParm& target, int& count, std::s
 }
 
 bool readTargetFile(const std::string& path, TargetParm& target, int& count, std::string& error) {
+  if (!checkInputFile(path, error)) return false;
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     error = "cannot open: " + std::string(std::strerror(errno));

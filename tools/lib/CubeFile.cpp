@@ -7,7 +7,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <sstream>
 #include <vector>
+
+#include "tools/lib/FileAccess.h"
 
 namespace pctool {
 
@@ -61,18 +64,9 @@ void CubeFile::write(std::ostream& os, const lut3d_info& lut, const std::string&
 
 bool CubeFile::writeFile(const std::string& path, const lut3d_info& lut, const std::string& title,
                          std::string& error) {
-  std::ofstream os(path, std::ios::binary | std::ios::trunc);
-  if (!os) {
-    error = "cannot create file: " + std::string(std::strerror(errno));
-    return false;
-  }
+  std::ostringstream os;
   write(os, lut, title);
-  os.close();
-  if (!os) {
-    error = "write failed";
-    return false;
-  }
-  return true;
+  return writeWholeFile(path, os.str(), error);
 }
 
 bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
@@ -211,6 +205,7 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
 
 bool CubeFile::readFile(const std::string& path, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
                         std::string& error) {
+  if (!checkInputFile(path, error)) return false;
   std::ifstream is(path, std::ios::binary);
   if (!is) {
     error = "cannot open: " + std::string(std::strerror(errno));

@@ -1,11 +1,12 @@
 #include "tools/lib/DeviceFolder.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
+#include "tools/lib/DataSource.h"
+#include "tools/lib/Plausibility.h"
+#include "tools/lib/PropertyFile.h"
 #include "tools/lib/TableSource.h"
 
 namespace pctool {
@@ -16,21 +17,83 @@ namespace {
 
 constexpr const char* kOdm = "/odm/etc/PanelCorvane/";
 constexpr const char* kModes[4] = {"Vivid", "Nature", "Cinema", "LsRGB"};
-constexpr size_t kMaxPropertyBytes = 64 * 1024;
+// The optical data set (index into kOdfSetNames) each cache table is generated from.
+constexpr int kTableOdfSet[8] = {3, 1, 2, 0, 2, 0, 3, 1};
 
-// The panel a display name maps to in the property file; 0 when absent (as the plugin does).
-uint32_t panelIndexOf(const std::string& dir, const std::string& name) {
-  std::ifstream in(dir + kOdm + "panelcorvane", std::ios::binary);
-  std::string line;
-  size_t read = 0;
-  while (in && read < kMaxPropertyBytes && std::getline(in, line)) {
-    read += line.size() + 1;
-    if (in.eof()) break;  // a line without its line feed is not used
-    if (line.compare(0, name.size() + 1, name + "=") != 0) continue;
-    unsigned long v = std::strtoul(line.c_str() + name.size() + 1, nullptr, 10);
-    return (v >= 100 && v <= 199) ? 1u : 0u;
+void addTargets(const std::string& dir, const std::string& name, PanelReport& rep) {
+  std::string why;
+  for (bool nits : {false, true}) {
+    for (const char* mode : kModes) {
+      const std::string path = kOdm + name + "_" + mode + (nits ? "_100nits" : "") + ".txt";
+      if (!fs::exists(dir + path)) continue;
+      ReportTarget t;
+      t.mode = mode;
+      t.nits100 = nits;
+      if (!readTargetFile(dir + path, t.target, t.count, why)) {
+        rep.notes.push_back(path + ": " + why);
+        continue;
+      }
+      for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(path + ": " + f.line());
+      rep.targets.push_back(t);
+    }
   }
-  return 0;
+}
+
+int targetIndex(const PanelReport& rep, const std::string& mode, bool nits100) {
+  for (size_t i = 0; i < rep.targets.size(); ++i)
+    if (rep.targets[i].mode == mode && rep.targets[i].nits100 == nits100) return static_cast<int>(i);
+  return -1;
+}
+
+// The four measurement sets the tables came from, or - without a cache - the ones the plugin
+// would try first.
+void addOpticalData(const std::string& dir, const DataSource& source, uint32_t panel, const std::string& name,
+                    PanelReport& rep) {
+  std::vector<std::string> paths = source.odfPaths;
+  if (paths.empty()) {
+    const bool local = fs::exists(dir + localOdfPath(panel, 0));
+    for (int s = 0; s < kOdfSets; ++s) paths.push_back(local ? localOdfPath(panel, s) : goldenOdfPath(name, s));
+    rep.sourceText += local ? "; shown: the local data, which the plugin tries first"
+                            : "; shown: the golden data (no local data)";
+  }
+  std::string why;
+  for (int s = 0; s < kOdfSets; ++s) {
+    ReportOdf o;
+    o.set = kOdfSetNames[s];
+    o.path = paths[static_cast<size_t>(s)];
+    OdfCheck check;
+    if (!readOdfFile(dir + o.path, o.odf, check, why)) {
+      rep.notes.push_back(o.path + ": " + why);
+      continue;
+    }
+    for (const auto& f : checkOpticalData(o.odf.values)) rep.notes.push_back(o.path + ": " + f.line());
+    rep.odfs.push_back(o);
+  }
+}
+
+void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelReport& rep) {
+  const std::string cache = cacheFilePath(panel);
+  if (!fs::exists(dir + cache)) {
+    rep.notes.push_back(cache + " not found: no tables (run the plugin once to fill the cache)");
+    return;
+  }
+  std::vector<LoadedTable> tables;
+  std::string why;
+  if (!loadTables(dir + cache, tables, why)) {
+    rep.notes.push_back(cache + ": " + why);
+    return;
+  }
+  rep.tablesText = "tables: " + cache + ", " + std::to_string(tables.size()) + " tables";
+  for (uint32_t k = 0; k < tables.size(); ++k) {
+    ReportTable t{cacheTableName(k), tables[k].lut};
+    if (k < 8) {
+      const std::string set = kOdfSetNames[kTableOdfSet[k]];
+      for (size_t o = 0; o < rep.odfs.size(); ++o)
+        if (rep.odfs[o].set == set) t.odf = static_cast<int>(o);
+      t.target = targetIndex(rep, kModes[k / 2], use100nits && k % 2 == 0);
+    }
+    rep.tables.push_back(t);
+  }
 }
 
 }  // namespace
@@ -40,66 +103,34 @@ std::string cacheTableName(uint32_t index) {
   return index % 2 == 0 ? s + " 100-nit" : s;
 }
 
-bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::string& error) {
+bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::string& error,
+                          const std::vector<TableJob>* jobs) {
   out.clear();
-  std::error_code ec;
-  std::vector<std::string> names;
-  const std::string suffix = "_1_max.odf";
-  for (fs::directory_iterator it(dir + kOdm, ec), end; !ec && it != end; it.increment(ec)) {
-    std::string f = it->path().filename().string();
-    if (f.size() > suffix.size() && f.compare(f.size() - suffix.size(), suffix.size(), suffix) == 0)
-      names.push_back(f.substr(0, f.size() - suffix.size()));
-  }
-  if (names.empty()) {
-    error = "no panel found (no " + std::string(kOdm) + "<name>_1_max.odf)";
+  PropertyFile prop;
+  if (!prop.load(dir + kOdm + "panelcorvane", error)) {
+    error = std::string(kOdm) + "panelcorvane: " + error;
     return false;
   }
-  std::sort(names.begin(), names.end());
-  for (const auto& name : names) {
+  const bool use100nits = prop.intOr("inParam100nits", 0) == 1;
+  for (const auto& [name, panel] : prop.displayNames()) {
+    if (!fs::exists(dir + goldenOdfPath(name, 0))) continue;
     PanelReport rep;
-    const uint32_t panel = panelIndexOf(dir, name);
+    rep.displayName = name;
     rep.panelName = name + " (panel " + std::to_string(panel) + ")";
-
-    const std::string local =
-        std::string("/mnt/vendor/persist/display/Loading_ON_1_max") + (panel ? "_d1" : "") + ".odf";
-    const std::string golden = kOdm + name + "_1_max.odf";
-    OdfCheck check;
+    uint32_t trailer = 0;
     std::string why;
-    if (readOdfFile(dir + local, rep.odf, check, why)) {
-      rep.hasOdf = true;
-      rep.odfLabel = local + " (local)";
-    } else {
-      if (fs::exists(dir + local)) rep.notes.push_back(local + ": " + why);
-      if (readOdfFile(dir + golden, rep.odf, check, why)) {
-        rep.hasOdf = true;
-        rep.odfLabel = golden + " (golden)";
-      } else {
-        rep.notes.push_back(golden + ": " + why);
-      }
-    }
-
-    for (const char* mode : kModes) {
-      const std::string path = kOdm + name + "_" + mode + ".txt";
-      if (!fs::exists(dir + path)) continue;
-      ReportTarget t;
-      t.name = mode;
-      int count = 0;
-      if (readTargetFile(dir + path, t.target, count, why)) rep.targets.push_back(t);
-      else rep.notes.push_back(path + ": " + why);
-    }
-
-    const std::string cache = panel ? "/data/vendor/display/cofc2.fw" : "/data/vendor/display/cofc.fw";
-    if (fs::exists(dir + cache)) {
-      std::vector<LoadedTable> tables;
-      if (loadTables(dir + cache, tables, why)) {
-        for (uint32_t k = 0; k < tables.size(); ++k) rep.tables.push_back({cacheTableName(k), tables[k].lut});
-      } else {
-        rep.notes.push_back(cache + ": " + why);
-      }
-    } else {
-      rep.notes.push_back(cache + " not found: no tables (run the plugin once to fill the cache)");
-    }
+    const bool haveCache = readCacheSource(dir, panel, trailer, why);
+    const DataSource source = describeDataSource(haveCache ? static_cast<int>(trailer) : -1,
+                                                 jobs ? lastJobOf(*jobs, name) : nullptr, panel, name);
+    rep.sourceText = "optical data: " + source.statement();
+    addTargets(dir, name, rep);
+    addOpticalData(dir, source, panel, name, rep);
+    addTables(dir, panel, use100nits, rep);
     out.push_back(std::move(rep));
+  }
+  if (out.empty()) {
+    error = "no panel found (no display name of the property file has " + std::string(kOdm) + "<name>_1_max.odf)";
+    return false;
   }
   return true;
 }

@@ -10,6 +10,7 @@
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/PanelModel.h"
+#include "tools/lib/Plausibility.h"
 #include "tools/lib/TableSource.h"
 #include "tools/lib/Verify.h"
 
@@ -64,6 +65,14 @@ void describeTable(std::string& o, const lut3d_info& lut) {
       d.far.size());
 }
 
+// Lists the findings; false (with the first refusal as the reason) when one refuses the data.
+bool plausible(const std::vector<Finding>& findings, std::string& o, std::string& error) {
+  for (const auto& f : findings) add(o, "%s\n", f.line().c_str());
+  if (!anyRefused(findings)) return true;
+  error = firstRefusal(findings);
+  return false;
+}
+
 bool inspectOdf(const std::string& path, std::string& o, std::string& error) {
   OpticalDataFile odf{};
   OdfCheck check;
@@ -88,7 +97,7 @@ bool inspectOdf(const std::string& path, std::string& o, std::string& error) {
     o += "\n";
   }
   for (const auto& n : panel.notes()) add(o, "note: %s\n", n.c_str());
-  return ok;
+  return ok && plausible(checkOpticalData(odf.values), o, error);
 }
 
 bool inspectCache(const std::string& path, std::string& o, std::string& error) {
@@ -144,7 +153,7 @@ bool inspectTarget(const std::string& path, std::string& o, std::string& error) 
   }
   if (count != 9 && count != 20)
     add(o, "note: %d numbers; the plugin reads 9 (gamma correction off) or 20 (on)\n", count);
-  return true;
+  return plausible(checkTarget(t, count), o, error);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "backend/Algorithm.h"
+#include "tools/lib/FileAccess.h"
 
 namespace pctool {
 
@@ -142,19 +143,19 @@ bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, s
 
 bool writeOdfFile(const std::string& path, const OdfValues& values, std::string* error) {
   const OdfImage img = encodeOdf(values);
-  std::ofstream f(path, std::ios::binary | std::ios::trunc);
-  if (f) f.write(reinterpret_cast<const char*>(img.data()), img.size());
-  if (!f) return fail(error, path + ": cannot write");
+  std::string why;
+  if (!writeWholeFile(path, std::string(img.begin(), img.end()), why)) return fail(error, path + ": " + why);
   return true;
 }
 
 bool readOdfFile(const std::string& path, DecodedOdf* out, std::string* error) {
+  std::string why;
+  if (!checkInputFile(path, why)) return fail(error, path + ": " + why);
   std::ifstream f(path, std::ios::binary);
   if (!f) return fail(error, path + ": cannot open");
   uint8_t buf[kOdfBytes];
   f.read(reinterpret_cast<char*>(buf), kOdfBytes);
   const size_t got = static_cast<size_t>(f.gcount());
-  std::string why;
   if (!decodeOdf(buf, got, out, &why)) return fail(error, path + ": " + why);
   return true;
 }

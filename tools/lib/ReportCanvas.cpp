@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <vector>
 
 namespace pctool {
 
@@ -63,31 +64,82 @@ void drawAxes(cairo_t* cr, const Frame& f, double xStep, double yStep, const cha
   cairo_restore(cr);
 }
 
-void legendEntry(cairo_t* cr, double x, double y, const Colour& c, const std::string& label, bool dashed, bool dot) {
+const Colour& styleColour(const PlanStyle& s) {
+  static const Colour kInk{0.1, 0.1, 0.1};
+  static const Colour kModes[] = {{0.85, 0.33, 0.10}, {0.00, 0.45, 0.74}, {0.47, 0.67, 0.19}, {0.49, 0.18, 0.56},
+                                  {0.93, 0.69, 0.13}, {0.30, 0.75, 0.93}, {0.64, 0.08, 0.18}, {0.4, 0.4, 0.4}};
+  return s.colour < 0 ? kInk : kModes[static_cast<size_t>(s.colour) % (sizeof kModes / sizeof kModes[0])];
+}
+
+void applyStyle(cairo_t* cr, const PlanStyle& s) {
+  setColour(cr, styleColour(s));
+  cairo_set_line_width(cr, s.width);
+  cairo_set_dash(cr, s.dash.empty() ? nullptr : s.dash.data(), static_cast<int>(s.dash.size()), s.dashOffset);
+}
+
+void legendLine(cairo_t* cr, double x, double y, const PlanStyle& s, const std::string& label, bool marker) {
   cairo_save(cr);
-  setColour(cr, c);
-  if (dot) {
-    cairo_arc(cr, x + 12, y - 5, 5, 0, 2 * M_PI);
+  applyStyle(cr, s);
+  cairo_set_line_width(cr, s.width < 2 ? 2 : s.width);
+  cairo_move_to(cr, x, y - 5);
+  cairo_line_to(cr, x + 36, y - 5);
+  cairo_stroke(cr);
+  if (marker) {
+    cairo_arc(cr, x + 18, y - 5, 4, 0, 2 * M_PI);
     cairo_fill(cr);
-  } else {
-    cairo_set_line_width(cr, 2.5);
-    if (dashed) {
-      const double d[] = {6, 4};
-      cairo_set_dash(cr, d, 2, 0);
-    }
-    cairo_move_to(cr, x, y - 5);
-    cairo_line_to(cr, x + 24, y - 5);
-    cairo_stroke(cr);
   }
   cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
-  drawText(cr, x + 32, y, label, 13);
+  drawText(cr, x + 44, y, label, 14);
   cairo_restore(cr);
 }
 
-const Colour& modeColour(size_t i) {
-  static const Colour kColours[] = {{0.85, 0.33, 0.10}, {0.00, 0.45, 0.74}, {0.47, 0.67, 0.19}, {0.49, 0.18, 0.56},
-                                    {0.93, 0.69, 0.13}, {0.30, 0.75, 0.93}, {0.64, 0.08, 0.18}, {0.4, 0.4, 0.4}};
-  return kColours[i % (sizeof kColours / sizeof kColours[0])];
+void drawCurve(cairo_t* cr, const Frame& f, const PlanCurve& c) {
+  if (c.points.empty()) return;
+  cairo_save(cr);
+  cairo_rectangle(cr, f.x, f.y, f.w, f.h);
+  cairo_clip(cr);
+  applyStyle(cr, c.style);
+  for (size_t i = 0; i < c.points.size(); ++i) {
+    const double x = f.px(c.points[i].first), y = f.py(c.points[i].second);
+    if (i == 0) cairo_move_to(cr, x, y);
+    else cairo_line_to(cr, x, y);
+  }
+  cairo_stroke(cr);
+  if (c.markers) {
+    for (const auto& p : c.points) {
+      cairo_arc(cr, f.px(p.first), f.py(p.second), 3.5, 0, 2 * M_PI);
+      cairo_fill(cr);
+    }
+  }
+  cairo_restore(cr);
+}
+
+void drawNotice(cairo_t* cr, double x, double y, double w, double h, const std::string& title,
+                const std::string& text) {
+  cairo_save(cr);
+  cairo_set_source_rgb(cr, 0.92, 0.92, 0.90);
+  cairo_rectangle(cr, x, y, w, h);
+  cairo_fill(cr);
+  cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
+  drawText(cr, x, y - 12, title, 18, Align::Left, true);
+  cairo_set_source_rgb(cr, 0.35, 0.35, 0.35);
+  // Word-wrapped to the box.
+  const size_t perLine = static_cast<size_t>((w - 32) / 7.5);
+  std::vector<std::string> lines(1);
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t sp = text.find(' ', pos);
+    const std::string word = text.substr(pos, sp == std::string::npos ? std::string::npos : sp - pos);
+    if (!lines.back().empty() && lines.back().size() + 1 + word.size() > perLine) lines.emplace_back();
+    lines.back() += (lines.back().empty() ? "" : " ") + word;
+    pos = sp == std::string::npos ? text.size() : sp + 1;
+  }
+  double ty = y + h / 2 - 9.0 * (lines.size() - 1) + 5;
+  for (const auto& l : lines) {
+    drawText(cr, x + 16, ty, l, 14);
+    ty += 18;
+  }
+  cairo_restore(cr);
 }
 
 }  // namespace pctool

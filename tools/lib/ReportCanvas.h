@@ -1,4 +1,5 @@
-// Small drawing helpers for the report page (cairo): plot frames with labelled axes, text.
+// Small drawing helpers for the report page (cairo): plot frames with labelled axes, text,
+// styled lines and their legend rows.
 #pragma once
 
 #ifdef PC_HAVE_CAIRO
@@ -6,6 +7,8 @@
 #include <cairo.h>
 
 #include <string>
+
+#include "tools/lib/ReportPlan.h"
 
 namespace pctool {
 
@@ -30,12 +33,18 @@ void setColour(cairo_t* cr, const Colour& c, double alpha = 1.0);
 // names and a title above the frame.
 void drawAxes(cairo_t* cr, const Frame& f, double xStep, double yStep, const char* xTickFmt, const char* yTickFmt,
               const std::string& xName, const std::string& yName, const std::string& title);
-// A small legend row: colour sample (line, dashed line or dot) and its text.
-void legendEntry(cairo_t* cr, double x, double y, const Colour& c, const std::string& label, bool dashed = false,
-                 bool dot = false);
 
-// Distinct colours for modes.
-const Colour& modeColour(size_t i);
+// The colour of a plan style: its mode's colour, or ink.
+const Colour& styleColour(const PlanStyle& s);
+// Sets colour, width and dashes of `s` on `cr`.
+void applyStyle(cairo_t* cr, const PlanStyle& s);
+// A legend row: a line sample in the style (and a dot when `marker`), then the text.
+void legendLine(cairo_t* cr, double x, double y, const PlanStyle& s, const std::string& label, bool marker = false);
+// A curve of the plan through the frame (clipped to it), with dots at its points on request.
+void drawCurve(cairo_t* cr, const Frame& f, const PlanCurve& c);
+// A grey box with a sentence, where a plot has nothing to show.
+void drawNotice(cairo_t* cr, double x, double y, double w, double h, const std::string& title,
+                const std::string& text);
 
 }  // namespace pctool
 

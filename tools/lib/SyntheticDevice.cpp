@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tools/lib/FileAccess.h"
+
 namespace pctool {
 
 namespace {
@@ -64,20 +66,18 @@ void primariesXyz(const Chroma& c, double whiteY, OdfMeasurements* m) {
 }
 
 bool writeText(const std::filesystem::path& p, const std::string& text, std::string* error) {
-  std::error_code ec;
-  std::filesystem::create_directories(p.parent_path(), ec);
-  std::ofstream f(p, std::ios::binary | std::ios::trunc);
-  if (f) f << text;
-  if (!f) {
-    if (error) *error = p.string() + ": cannot write";
-    return false;
-  }
-  return true;
+  std::string why;
+  if (makeFolders(p.parent_path().string(), why) && writeWholeFile(p.string(), text, why)) return true;
+  if (error) *error = p.string() + ": " + why;
+  return false;
 }
 
 bool writeOdf(const std::filesystem::path& p, const OdfMeasurements& m, std::string* error) {
-  std::error_code ec;
-  std::filesystem::create_directories(p.parent_path(), ec);
+  std::string why;
+  if (!makeFolders(p.parent_path().string(), why)) {
+    if (error) *error = p.parent_path().string() + ": " + why;
+    return false;
+  }
   OdfValues v;
   placeMeasurements(m, &v);
   return writeOdfFile(p.string(), v, error);
@@ -101,6 +101,34 @@ std::string formatStamp(const Stamp& s) {
 }
 
 }  // namespace
+
+const char* const kDeviceTreeParts[4] = {"odm/etc/PanelCorvane", "mnt/vendor/persist/display", "dev/tarnu_display",
+                                         "data/vendor/display"};
+
+bool clearDeviceTree(const std::string& dir, std::vector<std::string>* removed, std::string* error) {
+  namespace fs = std::filesystem;
+  for (const char* part : kDeviceTreeParts) {
+    const fs::path p = fs::path(dir) / part;
+    std::error_code ec;
+    if (!fs::exists(fs::symlink_status(p, ec))) continue;
+    size_t files = 0;
+    if (fs::is_directory(fs::symlink_status(p, ec))) {
+      for (fs::recursive_directory_iterator it(p, ec), end; !ec && it != end; it.increment(ec))
+        if (!it->is_directory()) ++files;
+    } else {
+      files = 1;
+    }
+    fs::remove_all(p, ec);
+    if (ec) {
+      if (error) *error = p.string() + ": cannot remove: " + ec.message();
+      return false;
+    }
+    if (removed)
+      removed->push_back(std::string(part) + ": " + std::to_string(files) + (files == 1 ? " file" : " files") +
+                         (part == kDeviceTreeParts[3] ? " (the old tree's table cache and dumps)" : ""));
+  }
+  return true;
+}
 
 OdfMeasurements syntheticMeasurements(unsigned seed, int panel, int set, bool low, bool golden) {
   // The panel type (golden) varies with seed and panel; each unit deviates a little from it.

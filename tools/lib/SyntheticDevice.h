@@ -18,6 +18,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tools/lib/OdfWriter.h"
 
@@ -46,5 +47,14 @@ std::string stampOfSerial(const std::string& serial);
 
 bool writeSyntheticDevice(const std::string& dir, const SyntheticDeviceOptions& options,
                           std::string* error);
+
+// What a device tree under `dir` consists of, the plugin's table cache and dumps included
+// (relative paths): a new tree replaces all of them, or the plugin would load the old
+// panel's tables from the old cache.
+extern const char* const kDeviceTreeParts[4];
+
+// Removes each part of an earlier tree under `dir` and says what went, one line per part
+// ("odm/etc/PanelCorvane: 22 files"). False with a reason when a part cannot be removed.
+bool clearDeviceTree(const std::string& dir, std::vector<std::string>* removed, std::string* error);
 
 }  // namespace pctool

@@ -2,6 +2,8 @@
 
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 
@@ -9,6 +11,7 @@
 #include "cache/Lut3DCacheManager.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/DeviceGrid.h"
+#include "tools/lib/FileAccess.h"
 
 namespace pctool {
 
@@ -48,6 +51,7 @@ bool isCubeKeyword(const std::string& tok) {
 
 // Reads at most `limit` + 1 bytes so callers can tell an oversized file.
 bool slurp(const std::string& path, size_t limit, std::string& out, std::string& error) {
+  if (!checkInputFile(path, error)) return false;
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     error = "cannot open: " + std::string(std::strerror(errno));
@@ -80,6 +84,7 @@ uint32_t cacheTableCount(uint64_t fileBytes) {
 }
 
 FileKind detectKind(const std::string& path, std::string& error) {
+  if (!checkInputFile(path, error)) return FileKind::Unknown;
   std::ifstream in(path, std::ios::binary | std::ios::ate);
   if (!in) {
     error = "cannot open: " + std::string(std::strerror(errno));
@@ -145,6 +150,8 @@ FileKind detectKind(const std::string& path, std::string& error) {
 }
 
 bool readCacheFile(const std::string& path, CacheContents& out, std::string& error) {
+  out = CacheContents{};
+  if (!checkInputFile(path, error)) return false;
   std::ifstream in(path, std::ios::binary | std::ios::ate);
   if (!in) {
     error = "cannot open: " + std::string(std::strerror(errno));
@@ -187,6 +194,7 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
     return false;
   }
   size_t line = 1, i = 0;
+  std::vector<uint32_t> entryLine(kEntries, 0);  // where each entry starts, for the order check
   while (i < text.size()) {
     char c = text[i];
     if (std::isspace(static_cast<unsigned char>(c))) {
@@ -198,6 +206,8 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
     while (end < text.size() && !std::isspace(static_cast<unsigned char>(text[end]))) ++end;
     // Only the numbers the plugin reads must be codes; anything after them is ignored, as there.
     if (check.values < static_cast<uint32_t>(LutTextFile::kValueCount)) {
+      if (check.values % LutTextFile::kValuesPerEntry == 0)
+        entryLine[check.values / LutTextFile::kValuesPerEntry] = static_cast<uint32_t>(line);
       std::string tok = text.substr(i, end - i);
       bool digits = true;
       for (char d : tok) digits = digits && std::isdigit(static_cast<unsigned char>(d));
@@ -227,12 +237,22 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
   lut.lut3d_id = lutId;
   lut.uniform = 1;
   lut.num_entries = kEntries;
+  // The plugin takes entries as they come; a file in another order would put every output on
+  // the wrong node without a word, so the inputs must be the device grid in entry order.
   for (uint32_t n = 0; n < kEntries; ++n) {
     const auto& e = lut.entries[n];
-    uint32_t r = n % kGrid, g = n / kGrid % kGrid, b = n / (kGrid * kGrid);
-    if (e.in[0] != gridCode(r) || e.in[1] != gridCode(g) || e.in[2] != gridCode(b)) {
-      if (check.offGrid++ == 0) check.firstOffGrid = n;
-    }
+    const uint32_t want[3] = {gridCode(n % kGrid), gridCode(n / kGrid % kGrid), gridCode(n / (kGrid * kGrid))};
+    if (e.in[0] == want[0] && e.in[1] == want[1] && e.in[2] == want[2]) continue;
+    char buf[240];
+    std::snprintf(buf, sizeof buf,
+                  "entries out of order: entry %u (line %u) has inputs %u %u %u, expected %u %u %u "
+                  "(red fastest: entry n = 289 b + 17 g + r)",
+                  n, entryLine[n], e.in[0], e.in[1], e.in[2], want[0], want[1], want[2]);
+    error = buf;
+    const auto& second = lut.entries[1];
+    if (second.in[0] == 0 && second.in[1] == 0 && second.in[2] == gridCode(1))
+      error += "; the file lists blue fastest";
+    return false;
   }
   return true;
 }
@@ -266,9 +286,6 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       t.lut = std::make_shared<lut3d_info>();
       LutTextCheck check;
       if (!readLutText(path, *t.lut, 0, check, error)) return false;
-      if (check.offGrid > 0)
-        t.notes.push_back(std::to_string(check.offGrid) + " entries have inputs off the device grid (first: entry " +
-                          std::to_string(check.firstOffGrid) + ")");
       if (check.values > static_cast<uint32_t>(snapdragoncolor::LutTextFile::kValueCount))
         t.notes.push_back(std::to_string(check.values - 29478) + " numbers after the 29478th are ignored");
       out.push_back(std::move(t));
@@ -296,6 +313,18 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       break;
   }
   return false;
+}
+
+std::string lutTextImage(const lut3d_info& lut) {
+  char* buf = nullptr;
+  size_t size = 0;
+  FILE* mem = open_memstream(&buf, &size);
+  if (mem == nullptr) return "";
+  snapdragoncolor::LutTextFile::write(mem, lut);
+  fclose(mem);
+  std::string out(buf, size);
+  free(buf);
+  return out;
 }
 
 bool loadTable(const std::string& path, int index, LoadedTable& out, std::string& error) {

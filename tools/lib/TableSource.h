@@ -42,13 +42,13 @@ struct CacheContents {
 bool readCacheFile(const std::string& path, CacheContents& out, std::string& error);
 
 struct LutTextCheck {
-  uint32_t values = 0;       // numbers in the file (only the first 29478 are used)
-  uint32_t offGrid = 0;      // entries whose inputs are not the device grid
-  uint32_t firstOffGrid = 0; // index of the first such entry
+  uint32_t values = 0;  // numbers in the file (only the first 29478 are used)
 };
 
 // Reads a LUT text file as the plugin would, after checking that every token is a code of
-// 0..4095 ("line N malformed: ...") and that there are at least 29478 of them.
+// 0..4095 ("line N malformed: ...") and that there are at least 29478 of them; then refuses a
+// file whose inputs are not the device grid in entry order (red fastest), naming the first
+// wrong entry, its line and the inputs expected there.
 bool readLutText(const std::string& path, snapdragoncolor::lut3d_info& lut, uint32_t lutId,
                  LutTextCheck& check, std::string& error);
 
@@ -62,6 +62,9 @@ struct LoadedTable {
 // Loads every table in `path` (a cache gives all of its tables, other kinds one). A cache with
 // a wrong checksum fails with "checksum mismatch: stored 0x..., computed 0x...".
 bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error);
+
+// The LUT text image of a table, exactly as the plugin's LutTextFile writes it.
+std::string lutTextImage(const snapdragoncolor::lut3d_info& lut);
 
 // Loads table `index` of a cache (any index > 0 of a single-table file is an error).
 bool loadTable(const std::string& path, int index, LoadedTable& out, std::string& error);

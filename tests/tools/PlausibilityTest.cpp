@@ -1,0 +1,107 @@
+#include "tools/lib/Plausibility.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+
+#include "tools/lib/SyntheticDevice.h"
+
+namespace {
+
+pctool::OdfValues sampleOdf(unsigned seed = 1, bool low = false) {
+  pctool::OdfValues v;
+  pctool::placeMeasurements(pctool::syntheticMeasurements(seed, 0, 1, low, false), &v);
+  return v;
+}
+
+pctool::TargetParm sampleTarget(int mode) {
+  pctool::TargetParm t{};
+  int count = 0;
+  std::string err;
+  EXPECT_TRUE(pctool::parseTarget(pctool::syntheticTargetText(1, mode, false), t, count, err)) << err;
+  return t;
+}
+
+// The field and the start of the line of the first finding.
+std::string first(const std::vector<pctool::Finding>& f) { return f.empty() ? "" : f[0].line(); }
+
+TEST(Plausibility, SyntheticPanelsAndTargetsRaiseNothing) {
+  for (unsigned seed = 1; seed <= 6; ++seed)
+    for (bool low : {false, true}) EXPECT_EQ(first(pctool::checkOpticalData(sampleOdf(seed, low).v)), "") << seed;
+  for (int mode = 0; mode < 4; ++mode) EXPECT_EQ(first(pctool::checkTarget(sampleTarget(mode), 20)), "") << mode;
+}
+
+TEST(Plausibility, ImpossibleOpticalDataIsRefusedByField) {
+  struct Case {
+    const char* what;
+    std::function<void(float*)> spoil;
+    std::string line;  // start of the first finding
+  } cases[] = {
+      {"zero white", [](float* v) { v[pctool::kOdfWhiteAt + 1] = 0; }, "impossible: white Y: luminance 0"},
+      {"nan red", [](float* v) { v[pctool::kOdfRedAt] = NAN; }, "impossible: red XYZ: not a finite number"},
+      {"negative blue", [](float* v) { v[pctool::kOdfBlueAt + 2] = -1; }, "impossible: blue XYZ: negative"},
+      {"green outside the locus",
+       [](float* v) {
+         v[pctool::kOdfGreenAt] = 0.0f, v[pctool::kOdfGreenAt + 1] = 300, v[pctool::kOdfGreenAt + 2] = 0.0f;
+       },
+       "impossible: green x y: x 0.0000 y 1.0000 lies outside the spectral locus"},
+      {"green on red",
+       [](float* v) {
+         for (int k = 0; k < 3; ++k) v[pctool::kOdfGreenAt + k] = v[pctool::kOdfRedAt + k];
+       },
+       "impossible: red and green: coincide"},
+      {"grey ramp falls",
+       [](float* v) { v[pctool::odfGreyYAt(3)] = v[pctool::odfGreyYAt(4)] / 2; },
+       "impossible: grey 2048 Y: "},
+      {"grey above white", [](float* v) { v[pctool::odfGreyYAt(0)] = 1e4f; }, "impossible: grey 3584 Y: "},
+  };
+  for (const auto& c : cases) {
+    pctool::OdfValues v = sampleOdf();
+    c.spoil(v.v);
+    const auto findings = pctool::checkOpticalData(v.v);
+    EXPECT_TRUE(pctool::anyRefused(findings)) << c.what;
+    EXPECT_EQ(pctool::firstRefusal(findings).substr(0, c.line.size()), c.line) << c.what;
+  }
+}
+
+TEST(Plausibility, TargetsThatCannotBeAreRefusedAndOddOnesWarned) {
+  struct Case {
+    const char* what;
+    int at;
+    float value;
+    bool refused;
+    std::string line;
+  } cases[] = {
+      {"red on green", 0, 0.0f, true, "impossible: red and green: coincide"},
+      {"exponent 45.2", 8, 45.2f, true, "impossible: exponent parameter (value 9): 45.2 decodes with power 0.02212"},
+      {"gamma written directly", 8, 2.2f, true, "impossible: exponent parameter (value 9): 2.2 decodes with power 0.4545"},
+      {"final exponent", 15, 0.1f, true, "impossible: final exponent parameter (value 16)"},
+      {"white outside", 6, 0.05f, true, "impossible: white x y"},
+      {"flat gamma", 8, 0.8f, false, "warning: exponent parameter (value 9): 0.8 is gamma 1.250"},
+      {"big offset", 9, 0.9f, false, "warning: gamma-correction offset (value 10): 0.9"},
+  };
+  for (const auto& c : cases) {
+    pctool::TargetParm t = sampleTarget(0);
+    if (c.at == 0) t.values[0] = t.values[2], t.values[1] = t.values[3];
+    else t.values[c.at] = c.value;
+    const auto findings = pctool::checkTarget(t, 20);
+    ASSERT_FALSE(findings.empty()) << c.what;
+    EXPECT_EQ(pctool::anyRefused(findings), c.refused) << c.what;
+    EXPECT_EQ(findings[0].line().substr(0, c.line.size()), c.line) << c.what;
+  }
+  // Gamma-correction values are not judged in a 9-number target.
+  pctool::TargetParm t = sampleTarget(1);
+  t.values[15] = 0;
+  EXPECT_TRUE(pctool::checkTarget(t, 9).empty());
+}
+
+TEST(Plausibility, SpectralLocusBoundsTheChromaticities) {
+  EXPECT_TRUE(pctool::insideSpectralLocus(0.3127, 0.3290));
+  EXPECT_TRUE(pctool::insideSpectralLocus(0.708, 0.292));  // BT.2020 red, on the locus
+  EXPECT_FALSE(pctool::insideSpectralLocus(0.1, 0.9));
+  EXPECT_FALSE(pctool::insideSpectralLocus(0.5, 0.1));  // below the line of purples
+}
+
+}  // namespace
