@@ -7,9 +7,9 @@
 
 #include "backend/LutTextFile.h"
 #include "backend/PanelCorvaneBE.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 #include "cache/Lut3DCacheManager.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
 
 namespace snapdragoncolor {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 #include "snapdragoncolor/sc_color_records.h"
 #include "snapdragoncolor/sc_post_blend_interface.h"
 

@@ -14,8 +14,8 @@
 #include <cstring>
 
 #include "backend/PanelCorvaneBE.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 
 namespace snapdragoncolor {
 

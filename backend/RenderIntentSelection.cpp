@@ -9,12 +9,13 @@
 #include <memory>
 #include <string>
 
-#include "backend/Algorithm.h"
 #include "backend/LutTextFile.h"
 #include "backend/PanelCorvaneBE.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
-#include "core/Trace.h"
+#include "base/Algorithm.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
+#include "base/Trace.h"
+#include "config/Prop.h"
 
 namespace snapdragoncolor {
 
@@ -115,7 +116,7 @@ void readSwitchesOnce() {
   for (const Key& k : keys) {
     int value = 0;
     if (k.value->load(std::memory_order_relaxed) == -1 &&
-        PanelCorvaneBase::readPropInt(k.name, k.def, &value)) {
+        Prop::readSharedInt(k.name, k.def, &value)) {
       k.value->store(value, std::memory_order_relaxed);
     }
   }

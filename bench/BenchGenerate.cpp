@@ -11,7 +11,7 @@
 #include <string>
 
 #include "cache/Lut3DCacheManager.h"
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace {

@@ -8,10 +8,10 @@
 #include <memory>
 #include <vector>
 
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 #include "cache/DeltaApply.h"
 #include "cache/Lut3DCacheManager.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
 
 namespace snapdragoncolor {
 

@@ -16,9 +16,9 @@
 #include <fstream>
 #include <string>
 
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 #include "cache/Lut3DCacheManager.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
 
 namespace snapdragoncolor {
 

@@ -36,7 +36,8 @@ inline void store(void* p, v4i v) { std::memcpy(p, &v, sizeof(v)); }
 // to = from + add in the output lanes, to's own words elsewhere.
 __attribute__((always_inline)) inline void blend(const char* from, char* to, v4i add, v4i lanes) {
   // Unsigned lanes: the codes wrap as 32-bit unsigned values, as in the word-by-word form.
-  const v4i sum = reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(from)) + reinterpret_cast<v4u>(add));
+  const v4i sum =
+      reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(from)) + reinterpret_cast<v4u>(add));
   store(to, lanes ? sum : load(to));  // one blend instruction where the target has one
 }
 
@@ -62,7 +63,8 @@ void applyDeltaQ12(const lut3d_info& base, lut3d_info& target, const int32_t* de
     const v4i g =
         reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(deltas + kLut3dEntries + i)) * wv) >> 12;
     const v4i bl =
-        reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(deltas + 2 * kLut3dEntries + i)) * wv) >> 12;
+        reinterpret_cast<v4i>(reinterpret_cast<v4u>(load(deltas + 2 * kLut3dEntries + i)) * wv) >>
+        12;
     const v4i gbLow = PC_SHUFFLE(g, bl, 0, 4, 1, 5);
     const v4i gbHigh = PC_SHUFFLE(g, bl, 2, 6, 3, 7);
     const char* from = b + sizeof(lut3d_entry) * i;

@@ -2,7 +2,7 @@
 
 #include "cache/Lut3DCacheManager.h"
 
-#include "core/Log.h"
+#include "base/Log.h"
 
 namespace snapdragoncolor {
 

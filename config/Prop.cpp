@@ -8,8 +8,8 @@
 
 #include <cstdlib>
 
-#include "core/DeviceIo.h"
-#include "core/Log.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 
 namespace snapdragoncolor {
 
@@ -123,6 +123,14 @@ int Prop::GetValueByKey(const char* key, int defaultValue) {
     return defaultValue;
   }
   return static_cast<int>(strtol(v->c_str(), nullptr, 10));
+}
+
+bool Prop::readSharedInt(const char* key, int def, int* value) {
+  std::lock_guard<std::mutex> lock(PanelCorvaneBase::base_lock_);
+  Prop* prop = PanelCorvaneBase::sProp.load(std::memory_order_relaxed);
+  if (prop == nullptr) return false;
+  *value = prop->GetValueByKey(key, def);
+  return true;
 }
 
 }  // namespace snapdragoncolor

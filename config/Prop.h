@@ -37,6 +37,10 @@ class Prop {
 
   uint32_t entryCount() const { return mCount; }
 
+  // One integer key of the process's shared property file (PanelCorvaneBase::sProp), read under
+  // base_lock_ because any DeInit may destroy it; false (`value` untouched) while none is loaded.
+  static bool readSharedInt(const char* key, int def, int* value);
+
  private:
   // Silent lookup used by the typed getters.
   const std::string* find(const char* key) const;

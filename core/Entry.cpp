@@ -2,7 +2,7 @@
 
 #include <utils/CallStack.h>
 
-#include "core/Log.h"
+#include "base/Log.h"
 #include "core/PanelCorvane.h"
 
 using snapdragoncolor::PanelCorvane;

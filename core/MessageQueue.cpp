@@ -2,7 +2,7 @@
 
 #include "core/MessageQueue.h"
 
-#include "core/Log.h"
+#include "base/Log.h"
 #include "core/PanelCorvane.h"
 
 namespace snapdragoncolor {

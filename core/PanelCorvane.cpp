@@ -9,12 +9,12 @@
 #include <cstring>
 
 #include "backend/PanelCorvaneBE.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
+#include "base/PanelRegistry.h"
+#include "base/Trace.h"
 #include "cache/Lut3DCacheManager.h"
 #include "config/Prop.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
-#include "core/PanelRegistry.h"
-#include "core/Trace.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {

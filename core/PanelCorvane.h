@@ -13,13 +13,15 @@
 #include <shared_mutex>
 #include <string>
 
+#include "base/PanelCorvaneBase.h"
 #include "core/MessageQueue.h"
-#include "core/PanelCorvaneBase.h"
+#include "services/ControlTarget.h"
 #include "snapdragoncolor/sc_color_records.h"
 #include "snapdragoncolor/sc_post_blend_interface.h"
 
 namespace snapdragoncolor {
 
+class MixLut3DAidl;
 class PanelCorvaneBE;
 class PanelCorvaneFE;
 
@@ -82,7 +84,7 @@ class PanelCorvane : public ScPostBlendInterface,
     PanelCorvane* mOwner;
   };
 
-  class MixLut3DAidl;
+  using MixLut3DAidl = ::snapdragoncolor::MixLut3DAidl;
   static std::shared_ptr<MixLut3DAidl> mAidl;
 
   // Property and op handlers.
@@ -113,8 +115,21 @@ class PanelCorvane : public ScPostBlendInterface,
   void stopWorker();
   int chooseMode(int gamut, int intent, int forced);
 
-  friend class PanelRegistry;
+  // What the control commands may ask of this object.
+  class ControlPort final : public ControlTarget {
+   public:
+    explicit ControlPort(PanelCorvane& owner) : mOwner(owner) {}
+    PanelCorvaneBase& instance() override;
+    bool fodOn() const override;
+    void setFod(bool on) override;
+    int32_t lastGenerationResult() const override;
+    void operateOriginalData() override;
 
+   private:
+    PanelCorvane& mOwner;
+  };
+
+  ControlPort mControl{*this};
   // Fixed after construction.
   std::map<ScProperty, PropHandler> mPropHandlers;
   std::map<ScOps, OpHandler> mOpHandlers;
@@ -147,10 +162,6 @@ class PanelCorvane : public ScPostBlendInterface,
   android::sp<MessageQueueThread> mThread;
   // This object registered itself as the HIDL service.
   std::atomic<bool> mHidlService{false};
-  // Guarded by PanelRegistry's lock: service calls pinned to this object, and whether the
-  // destructor has withdrawn it.
-  int mPins = 0;
-  bool mWithdrawn = false;
 };
 
 }  // namespace snapdragoncolor

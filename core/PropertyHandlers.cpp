@@ -3,7 +3,7 @@
 
 #include <utils/CallStack.h>
 
-#include "core/Log.h"
+#include "base/Log.h"
 #include "core/PanelCorvane.h"
 
 namespace snapdragoncolor {

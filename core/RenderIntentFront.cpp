@@ -7,10 +7,10 @@
 #include <cstdio>
 
 #include "backend/PanelCorvaneBE.h"
+#include "base/Log.h"
+#include "base/Trace.h"
 #include "cache/Lut3DCacheManager.h"
-#include "core/Log.h"
 #include "core/PanelCorvane.h"
-#include "core/Trace.h"
 
 namespace snapdragoncolor {
 

@@ -2,8 +2,8 @@
 #define LOG_TAG "PanelCorvane"
 
 #include "backend/PanelCorvaneBE.h"
+#include "base/Log.h"
 #include "cache/Lut3DCacheManager.h"
-#include "core/Log.h"
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
 

@@ -11,9 +11,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/Log.h"
+#include "base/Trace.h"
 #include "cache/Lut3DCacheManager.h"
-#include "core/Log.h"
-#include "core/Trace.h"
+#include "config/Prop.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
@@ -38,7 +39,7 @@ constexpr const char* kLocalOdf[2][kNumOdf] = {
      "/mnt/vendor/persist/display/Loading_ON_1_100nit_d1.odf",
      "/mnt/vendor/persist/display/Loading_ON_2_100nit_d1.odf"}};
 constexpr const char* kGoldenOdfSuffix[kNumOdf] = {"_1_max.odf", "_2_max.odf", "_1_100nit.odf",
-                                                  "_2_100nit.odf"};
+                                                   "_2_100nit.odf"};
 
 constexpr int kMaxTables = 8;
 constexpr int kOdfRow[kMaxTables] = {k2low, k2max, k1low, k1max, k1low, k1max, k2low, k2max};
@@ -79,7 +80,7 @@ int PanelCorvaneFE::operateOriginalData() { return 0; }
 int PanelCorvaneFE::generateCfgFile(int match) {
   int in100nits = 0;
   if (sIn100nits.load(std::memory_order_relaxed) == -1 &&
-      readPropInt("inParam100nits", 0, &in100nits)) {
+      Prop::readSharedInt("inParam100nits", 0, &in100nits)) {
     sIn100nits.store(in100nits, std::memory_order_relaxed);
   }
   const std::string name = displayName();

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/Log.h"
+#include "base/Log.h"
 #include "frontend/FloatOps.h"
 #include "frontend/PanelCorvaneFE.h"
 
@@ -110,7 +110,7 @@ void PanelCorvaneFE::nonlinearRGB2Panel(int* rgb, float (*m)[3], float gamma, in
   fe::normaliseAndQuantise(v, out);
 }
 
-void PanelCorvaneFE::nonlinearRGB2Panel(unsigned int* level, float (*/*m*/)[3], float gamma,
+void PanelCorvaneFE::nonlinearRGB2Panel(unsigned int* level, float (* /*m*/)[3], float gamma,
                                         int* out) {
   unsigned int i[3];
   for (int c = 0; c < 3; ++c) i[c] = level[c] < kLevels ? level[c] : kLevels - 1;

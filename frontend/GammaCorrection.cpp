@@ -9,8 +9,8 @@
 #include <cmath>
 #include <fstream>
 
-#include "core/DeviceIo.h"
-#include "core/Log.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 #include "frontend/FloatOps.h"
 #include "frontend/PanelCorvaneFE.h"
 
@@ -102,8 +102,8 @@ void PanelCorvaneFE::buildGammaTable(const OpticalDataFile& odf, const TargetPar
   // Tail knots, all relative to the measured exponent at 3584 before its own offset.
   {
     const float product = (H - gamma[3072]) * 256.0f;
-    gamma[3328] = (float)((double)tv[pi.off3328] + (double)product * (1.0 / 512) +
-                          (double)gamma[3072]);
+    gamma[3328] =
+        (float)((double)tv[pi.off3328] + (double)product * (1.0 / 512) + (double)gamma[3072]);
   }
   gamma[3584] = H + tv[pi.off3584];
   gamma[3840] = H + tv[pi.off3840];

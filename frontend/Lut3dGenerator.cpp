@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 
-#include "core/DeviceIo.h"
-#include "core/Log.h"
-#include "core/Trace.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
+#include "base/Trace.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
@@ -35,8 +35,8 @@ void dumpTable(const std::string& path, const lut3d_info& lut) {
   std::ofstream out(devio::path(path.c_str()), std::ios::out | std::ios::trunc);
   if (!out.is_open()) return;
   for (const lut3d_entry& e : lut.entries) {
-    out << e.in[0] << ' ' << e.in[1] << ' ' << e.in[2] << ' ' << e.out[0] << ' ' << e.out[1]
-        << ' ' << e.out[2] << '\n';
+    out << e.in[0] << ' ' << e.in[1] << ' ' << e.in[2] << ' ' << e.out[0] << ' ' << e.out[1] << ' '
+        << e.out[2] << '\n';
   }
 }
 
@@ -47,19 +47,19 @@ void logGreyAxis(const lut3d_info& lut, bool after) {
     const float bg = (float)e.out[2] / (float)e.out[1];
     if (after) {
       PC_LOGD_AS("generateLut3D",
-                 "After Protect W: %4d %4d %4d %4d %4d %4d    %6.3f  %6.3f  %6.3f\n\n",
-                 e.in[0], e.in[1], e.in[2], e.out[0], e.out[1], e.out[2], rg, 1.0, bg);
+                 "After Protect W: %4d %4d %4d %4d %4d %4d    %6.3f  %6.3f  %6.3f\n\n", e.in[0],
+                 e.in[1], e.in[2], e.out[0], e.out[1], e.out[2], rg, 1.0, bg);
     } else {
       PC_LOGD_AS("generateLut3D",
-                 "Before Protect W %4d %4d %4d %4d %4d %4d    %6.3f  %6.3f  %6.3f\n\n",
-                 e.in[0], e.in[1], e.in[2], e.out[0], e.out[1], e.out[2], rg, 1.0, bg);
+                 "Before Protect W %4d %4d %4d %4d %4d %4d    %6.3f  %6.3f  %6.3f\n\n", e.in[0],
+                 e.in[1], e.in[2], e.out[0], e.out[1], e.out[2], rg, 1.0, bg);
     }
   }
 }
 }  // namespace
 
-void PanelCorvaneFE::protectNode(lut3d_info* lut, unsigned r, unsigned g, unsigned b,
-                                 float (*m)[3], float p, const unsigned int* table) {
+void PanelCorvaneFE::protectNode(lut3d_info* lut, unsigned r, unsigned g, unsigned b, float (*m)[3],
+                                 float p, const unsigned int* table) {
   lut3d_entry& e = lut->entries[entryOf(r, g, b)];
   int in[3] = {(int)e.in[0], (int)e.in[1], (int)e.in[2]};
   int out[3];
@@ -151,9 +151,8 @@ void PanelCorvaneFE::generateLut3D(OpticalDataFile& odf, TargetParm& target, lut
   if (verbose) logGreyAxis(*lut, false);
   unsigned int t2[kGammaSize];
   GammaCorrectionFinal(odf, target, t2);
-  static constexpr unsigned kCorner[7][3] = {{15, 15, 15}, {16, 15, 15}, {15, 16, 15},
-                                             {16, 16, 15}, {15, 15, 16}, {16, 15, 16},
-                                             {15, 16, 16}};
+  static constexpr unsigned kCorner[7][3] = {{15, 15, 15}, {16, 15, 15}, {15, 16, 15}, {16, 16, 15},
+                                             {15, 15, 16}, {16, 15, 16}, {15, 16, 16}};
   for (unsigned i = 0; i < kLevels - 1; ++i) {
     protectNode(lut, i, i, i, m, p, t2);
     for (const auto& n : kCorner) protectNode(lut, n[0], n[1], n[2], m, p, t2);

@@ -19,9 +19,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "backend/Algorithm.h"
-#include "core/DeviceIo.h"
-#include "core/Log.h"
+#include "base/Algorithm.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
@@ -91,9 +91,9 @@ int PanelCorvaneFE::readTargetParm(TargetParm& target, const char* path) {
   }
 
   PC_LOGD("%s\n", path);
-  PC_LOGD("%f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f,\n",
-          v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11], v[12], v[13],
-          v[14], v[15], v[16], v[17], v[18], v[19]);
+  PC_LOGD("%f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f, %f,\n", v[0],
+          v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11], v[12], v[13], v[14],
+          v[15], v[16], v[17], v[18], v[19]);
   return 0;
 }
 

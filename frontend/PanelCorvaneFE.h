@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 #include "snapdragoncolor/sc_color_records.h"
 
 namespace snapdragoncolor {

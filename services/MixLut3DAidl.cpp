@@ -2,21 +2,17 @@
 
 #include "services/MixLut3DAidl.h"
 
-#include <android/binder_manager.h>
-
 #include <algorithm>
 #include <cstring>
 #include <string>
 
-#include "core/Log.h"
-#include "core/PanelRegistry.h"
+#include "base/Log.h"
+#include "base/PanelCorvaneBase.h"
+#include "base/PanelRegistry.h"
 
 namespace snapdragoncolor {
 
-std::shared_ptr<PanelCorvane::MixLut3DAidl> PanelCorvane::mAidl;
-
-::ndk::ScopedAStatus PanelCorvane::MixLut3DAidl::set(int32_t in_disp, int32_t in_cmd,
-                                                     int32_t* _aidl_return) {
+::ndk::ScopedAStatus MixLut3DAidl::set(int32_t in_disp, int32_t in_cmd, int32_t* _aidl_return) {
   PC_LOGE("AIDL CALL:configure!!! %d\n", in_cmd);
   if (PanelRegistry::Pin panel = PanelRegistry::pin(in_disp)) {
     int32_t result = panel->set(in_cmd);
@@ -25,10 +21,10 @@ std::shared_ptr<PanelCorvane::MixLut3DAidl> PanelCorvane::mAidl;
   return ::ndk::ScopedAStatus::ok();
 }
 
-::ndk::ScopedAStatus PanelCorvane::MixLut3DAidl::sencept(int32_t /*in_a*/, int32_t /*in_b*/,
-                                                         const std::vector<int32_t>& in_in,
-                                                         std::vector<int32_t>* out_out,
-                                                         int32_t* /*_aidl_return*/) {
+::ndk::ScopedAStatus MixLut3DAidl::sencept(int32_t /*in_a*/, int32_t /*in_b*/,
+                                           const std::vector<int32_t>& in_in,
+                                           std::vector<int32_t>* out_out,
+                                           int32_t* /*_aidl_return*/) {
   // The caller packs a text into the ints; it need not be terminated within the vector.
   const char* bytes = reinterpret_cast<const char*>(in_in.data());
   size_t size = in_in.size() * sizeof(int32_t);
@@ -41,20 +37,6 @@ std::shared_ptr<PanelCorvane::MixLut3DAidl> PanelCorvane::mAidl;
     std::memcpy(out_out->data(), kAnswer, std::min(room, sizeof(kAnswer) - 1));
   }
   return ::ndk::ScopedAStatus::ok();
-}
-
-void PanelCorvane::initAidlService() {
-  if (mPanelIndex != 0) return;
-  PC_LOGD("AIDL:start\n");
-  if (mAidl) return;
-  mAidl = ::ndk::SharedRefBase::make<MixLut3DAidl>();
-  const std::string instance = std::string(MixLut3DAidl::descriptor) + "/default";
-  binder_status_t status = STATUS_OK;
-  {
-    ::ndk::SpAIBinder binder = mAidl->asBinder();
-    status = AServiceManager_addService(binder.get(), instance.c_str());
-  }
-  PC_LOGD("AIDL:%s %s\n", instance.c_str(), status == STATUS_OK ? "OK!" : "ERROR!");
 }
 
 }  // namespace snapdragoncolor

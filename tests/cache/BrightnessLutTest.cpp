@@ -3,7 +3,7 @@
 #include <string>
 
 #include "cache/Lut3DCacheManager.h"
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 #include "tests/cache/LutFixtures.h"
 #include "tests/support/TestSupport.h"
 

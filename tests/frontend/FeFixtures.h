@@ -8,7 +8,7 @@
 #include <sstream>
 #include <string>
 
-#include "backend/Algorithm.h"
+#include "base/Algorithm.h"
 #include "cache/Lut3DCacheManager.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "tests/support/TestSupport.h"

@@ -91,8 +91,8 @@ TEST_F(ConcurrencyTest, PropertyFileOutlivesItsReaders) {
   std::atomic<int> running{2};
   auto foldAndUnfold = [&](PanelCorvane* panel, const char* name) {
     for (int i = 0; i < n; ++i) {
-      panel->DeInit();      // frees the property file, whoever else reads it
-      panel->Init(name);    // looks its panel index up in it (or a new one)
+      panel->DeInit();    // frees the property file, whoever else reads it
+      panel->Init(name);  // looks its panel index up in it (or a new one)
     }
     --running;
   };

@@ -27,16 +27,22 @@ TEST_F(ServiceStartupTest, PrimaryRegistersBothServicesOnceWithoutADisplayServic
   PanelCorvane* primary = make();
   PanelCorvane* secondary = make();
   primary->Init("primary");
-  ASSERT_TRUE(pctest::waitFor([&] { return log.count("1-onHelpServiceInit: Failed to acquire display.qservice") == 5; }));
+  ASSERT_TRUE(pctest::waitFor(
+      [&] { return log.count("1-onHelpServiceInit: Failed to acquire display.qservice") == 5; }));
   secondary->Init("secondary");
-  ASSERT_TRUE(pctest::waitFor([&] { return log.count("1-onHelpServiceInit: Failed to acquire display.qservice") == 10; }));
+  ASSERT_TRUE(pctest::waitFor(
+      [&] { return log.count("1-onHelpServiceInit: Failed to acquire display.qservice") == 10; }));
   primary->initHelpService();  // a second start-up job on the same panel
-  ASSERT_TRUE(pctest::waitFor([&] { return log.count("1-onHelpServiceInit: Failed to acquire display.qservice") == 15; }));
+  ASSERT_TRUE(pctest::waitFor(
+      [&] { return log.count("1-onHelpServiceInit: Failed to acquire display.qservice") == 15; }));
 
   EXPECT_EQ(log.count("1-initHidlService: register hidl done!"), 1);
   EXPECT_EQ(pchost::registrationStats(pchost::ServiceRegistry::Hidl).attempts, 1);
   EXPECT_EQ(pchost::registrationStats(pchost::ServiceRegistry::Ndk).registered, 1);
-  EXPECT_EQ(log.count("1-initAidlService: AIDL:vendor.tarnu.hardware.display.MixLut3D.IMixLut3D/default OK!"), 1);
+  EXPECT_EQ(
+      log.count(
+          "1-initAidlService: AIDL:vendor.tarnu.hardware.display.MixLut3D.IMixLut3D/default OK!"),
+      1);
   ASSERT_NE(aidl(), nullptr);
   EXPECT_EQ(vendor::display::PanelCorvane::V1_0::IPanelCorvane::getService("default").get(),
             static_cast<vendor::display::PanelCorvane::V1_0::IPanelCorvane*>(primary));

@@ -70,12 +70,24 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
   threads.emplace_back([&] {  // HIDL binder thread
     for (int i = 0; i < rounds / 4 || folding; ++i) {
       switch (i % 6) {
-        case 0: primary->configureSet(518, Vec{0, 104}); break;  // regenerate the current panel
-        case 1: primary->configureSet(518, Vec{0, 101}); break;  // content chooses again
-        case 2: primary->configureSet(123, Vec{0, static_cast<int>(level(i))}); break;
-        case 3: primary->configureGet(518, Vec{0, 104}, [](int32_t, const Vec&) {}); break;
-        case 4: primary->configureSet(111, Vec{}); break;
-        default: primary->configureGet(112, Vec{}, [](int32_t, const Vec&) {}); break;
+        case 0:
+          primary->configureSet(518, Vec{0, 104});
+          break;  // regenerate the current panel
+        case 1:
+          primary->configureSet(518, Vec{0, 101});
+          break;  // content chooses again
+        case 2:
+          primary->configureSet(123, Vec{0, static_cast<int>(level(i))});
+          break;
+        case 3:
+          primary->configureGet(518, Vec{0, 104}, [](int32_t, const Vec&) {});
+          break;
+        case 4:
+          primary->configureSet(111, Vec{});
+          break;
+        default:
+          primary->configureGet(112, Vec{}, [](int32_t, const Vec&) {});
+          break;
       }
     }
     --binders;
@@ -83,11 +95,21 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
   threads.emplace_back([&] {  // AIDL binder thread
     for (int i = 0; i < rounds / 4 || folding; ++i) {
       switch (i % 5) {
-        case 0: aidlSet(0, 104); break;
-        case 1: aidlSet(1, 30000 + static_cast<int>(level(i))); break;
-        case 2: aidlSet(1, 104); break;
-        case 3: aidlSet(1, 10002 + i % 2); break;
-        default: aidlSet(0, 101); break;
+        case 0:
+          aidlSet(0, 104);
+          break;
+        case 1:
+          aidlSet(1, 30000 + static_cast<int>(level(i)));
+          break;
+        case 2:
+          aidlSet(1, 104);
+          break;
+        case 3:
+          aidlSet(1, 10002 + i % 2);
+          break;
+        default:
+          aidlSet(0, 101);
+          break;
       }
     }
     --binders;

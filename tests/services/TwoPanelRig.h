@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "cache/DeltaApply.h"
 #include "backend/PanelCorvaneBE.h"
+#include "cache/DeltaApply.h"
 #include "cache/Lut3DCacheManager.h"
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
@@ -155,7 +155,8 @@ class TwoPanelRig : public CoreTest {
     secondary->Init(kSecondaryName);
     ASSERT_TRUE(waitFor([&] { return primary->tablesReady() && secondary->tablesReady(); }))
         << log.dump();
-    ASSERT_TRUE(waitFor([&] { return snapdragoncolor::PanelCorvaneBase::sIsHidlRegitsered.load(); }));
+    ASSERT_TRUE(
+        waitFor([&] { return snapdragoncolor::PanelCorvaneBase::sIsHidlRegitsered.load(); }));
     witness[0].capture(0, kLevels);
     witness[1].capture(1, kLevels);
     cleanCache[0] = readBytes(root.host("/data/vendor/display/cofc.fw"));
@@ -174,8 +175,8 @@ class TwoPanelRig : public CoreTest {
     return r;
   }
   std::string cacheNow(unsigned panel) {
-    return readBytes(root.host(panel == 0 ? "/data/vendor/display/cofc.fw"
-                                          : "/data/vendor/display/cofc2.fw"));
+    return readBytes(
+        root.host(panel == 0 ? "/data/vendor/display/cofc.fw" : "/data/vendor/display/cofc2.fw"));
   }
 
   android::sp<RecordingDisplayService> display;

@@ -11,7 +11,7 @@
 #include <sstream>
 
 #include "config/Prop.h"
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 
 namespace pctest {
 

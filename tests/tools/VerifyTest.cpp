@@ -7,7 +7,7 @@
 #include <cstring>
 #include <memory>
 
-#include "backend/Algorithm.h"
+#include "base/Algorithm.h"
 #include "tests/support/TestSupport.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/OdfWriter.h"

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 #include "tools/lib/OdfWriter.h"
 
 namespace pctool {

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <vector>
 
-#include "backend/Algorithm.h"
+#include "base/Algorithm.h"
 #include "tools/lib/FileAccess.h"
 
 namespace pctool {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "backend/Algorithm.h"
-#include "core/PanelCorvaneBase.h"
+#include "base/Algorithm.h"
+#include "base/PanelCorvaneBase.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/LutApply.h"
 #include "tools/lib/PanelModel.h"

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "backend/Algorithm.h"
+#include "base/Algorithm.h"
 #include "tests/support/TestSupport.h"
 
 using snapdragoncolor::Algorithm;

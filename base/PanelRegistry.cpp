@@ -1,6 +1,6 @@
-#include "core/PanelRegistry.h"
+#include "base/PanelRegistry.h"
 
-#include "core/PanelCorvane.h"
+#include "base/PanelCorvaneBase.h"
 
 namespace snapdragoncolor {
 
@@ -21,27 +21,24 @@ PanelRegistry::Pin::~Pin() {
   if (--mPanel->mPins == 0) sUnpinned.notify_all();
 }
 
-PanelCorvaneBase* PanelRegistry::Pin::get() const { return mPanel; }
-
 PanelRegistry::Pin PanelRegistry::pin(int index) {
   std::atomic<PanelCorvaneBase*>* slot = index < 0 ? nullptr : slotOf(static_cast<uint32_t>(index));
   if (slot == nullptr) return Pin();
   std::lock_guard<std::mutex> lock(sLock);
-  // Only claim() fills a slot, and only with a PanelCorvane.
-  auto* panel = static_cast<PanelCorvane*>(slot->load(std::memory_order_relaxed));
+  PanelCorvaneBase* panel = slot->load(std::memory_order_relaxed);
   if (panel == nullptr || panel->mWithdrawn) return Pin();
   ++panel->mPins;
   return Pin(panel);
 }
 
-PanelRegistry::Pin PanelRegistry::pinSelf(PanelCorvane* panel) {
+PanelRegistry::Pin PanelRegistry::pinSelf(PanelCorvaneBase* panel) {
   std::lock_guard<std::mutex> lock(sLock);
   if (panel == nullptr || panel->mWithdrawn) return Pin();
   ++panel->mPins;
   return Pin(panel);
 }
 
-bool PanelRegistry::claim(uint32_t index, PanelCorvane* panel) {
+bool PanelRegistry::claim(uint32_t index, PanelCorvaneBase* panel) {
   std::atomic<PanelCorvaneBase*>* slot = slotOf(index);
   if (slot == nullptr) return false;
   std::lock_guard<std::mutex> lock(sLock);
@@ -49,12 +46,12 @@ bool PanelRegistry::claim(uint32_t index, PanelCorvane* panel) {
   return slot->compare_exchange_strong(expected, panel, std::memory_order_relaxed);
 }
 
-void PanelRegistry::withdraw(PanelCorvane* panel) {
+void PanelRegistry::withdraw(PanelCorvaneBase* panel) {
   std::unique_lock<std::mutex> lock(sLock);
   panel->mWithdrawn = true;
   for (uint32_t index = 0; index < 2; ++index) {
-    PanelCorvaneBase* self = panel;
-    slotOf(index)->compare_exchange_strong(self, nullptr, std::memory_order_relaxed);
+    PanelCorvaneBase* expected = panel;
+    slotOf(index)->compare_exchange_strong(expected, nullptr, std::memory_order_relaxed);
   }
   sUnpinned.wait(lock, [panel] { return panel->mPins == 0; });
 }

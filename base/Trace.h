@@ -3,7 +3,7 @@
 
 #include <cutils/trace.h>
 
-#include "core/Log.h"
+#include "base/Log.h"
 
 namespace snapdragoncolor {
 

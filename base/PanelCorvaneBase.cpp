@@ -1,8 +1,6 @@
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 
 #include <cstring>
-
-#include "config/Prop.h"
 
 namespace snapdragoncolor {
 
@@ -36,14 +34,6 @@ constexpr uint32_t kRefColors[PanelCorvaneBase::kNumRefColors][3] = {
     {0, 0, 128},
 };
 }  // namespace
-
-bool PanelCorvaneBase::readPropInt(const char* key, int def, int* value) {
-  std::lock_guard<std::mutex> lock(base_lock_);
-  Prop* prop = sProp.load(std::memory_order_relaxed);
-  if (prop == nullptr) return false;
-  *value = prop->GetValueByKey(key, def);
-  return true;
-}
 
 PanelCorvaneBase::PanelCorvaneBase() {
   std::memcpy(mRefColors, kRefColors, sizeof(mRefColors));

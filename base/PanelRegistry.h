@@ -9,7 +9,6 @@
 
 namespace snapdragoncolor {
 
-class PanelCorvane;
 class PanelCorvaneBase;
 
 class PanelRegistry {
@@ -23,26 +22,26 @@ class PanelRegistry {
     Pin& operator=(Pin&&) = delete;
     Pin(const Pin&) = delete;
     ~Pin();
-    PanelCorvaneBase* get() const;
-    PanelCorvaneBase* operator->() const { return get(); }
+    PanelCorvaneBase* get() const { return mPanel; }
+    PanelCorvaneBase* operator->() const { return mPanel; }
     explicit operator bool() const { return mPanel != nullptr; }
 
    private:
     friend class PanelRegistry;
-    explicit Pin(PanelCorvane* panel) : mPanel(panel) {}
-    PanelCorvane* mPanel = nullptr;
+    explicit Pin(PanelCorvaneBase* panel) : mPanel(panel) {}
+    PanelCorvaneBase* mPanel = nullptr;
   };
 
   // Index 0 pins the primary panel's object, 1 the secondary's; anything else pins nothing.
   static Pin pin(int index);
   // Takes the slot of `index` for `panel` if it is free; false otherwise.
-  static bool claim(uint32_t index, PanelCorvane* panel);
+  static bool claim(uint32_t index, PanelCorvaneBase* panel);
   // A call that entered through `panel` itself (the HIDL service object): pins it unless it is
   // being destroyed.
-  static Pin pinSelf(PanelCorvane* panel);
+  static Pin pinSelf(PanelCorvaneBase* panel);
   // Frees every slot `panel` holds, refuses new pins of it, then waits until no call is pinned
   // to it.
-  static void withdraw(PanelCorvane* panel);
+  static void withdraw(PanelCorvaneBase* panel);
 
  private:
   static std::mutex sLock;  // guards the two slots and the pin counts of the objects in them

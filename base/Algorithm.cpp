@@ -3,11 +3,11 @@
 // the order is deliberate (results must agree to the last bit on every CPU).
 #define LOG_TAG "PanelCorvane"
 
-#include "backend/Algorithm.h"
+#include "base/Algorithm.h"
 
 #include <cmath>
 
-#include "core/Log.h"
+#include "base/Log.h"
 
 namespace snapdragoncolor {
 

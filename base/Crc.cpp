@@ -1,7 +1,7 @@
 // CRC-16/CCITT-FALSE (polynomial 0x1021, start 0xFFFF, MSB first, no reflection, no final XOR)
 // that guards the optical data files. Kept bit by bit, without a table, in the factory tool's
 // form so that the two agree on every byte.
-#include "backend/Algorithm.h"
+#include "base/Algorithm.h"
 
 namespace snapdragoncolor {
 

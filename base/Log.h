@@ -3,7 +3,7 @@
 
 #include <log/log.h>
 
-#include "core/PanelCorvaneBase.h"
+#include "base/PanelCorvaneBase.h"
 
 #define PC_LOGD(fmt, ...) \
   __android_log_print(ANDROID_LOG_DEBUG, LOG_TAG, "1-%s: " fmt, __func__, ##__VA_ARGS__)

@@ -1,13 +1,15 @@
-// Message 2: publish the control services and find the display service, with retries while
-// the system's service managers are still starting.
+// Message 2: publish the control services (HIDL and AIDL) and find the display service, with
+// retries while the system's service managers are still starting.
 #define LOG_TAG "PanelCorvane"
 
+#include <android/binder_manager.h>
 #include <binder/IServiceManager.h>
 #include <utils/String16.h>
 
-#include "core/DeviceIo.h"
-#include "core/Log.h"
+#include "base/DeviceIo.h"
+#include "base/Log.h"
 #include "core/PanelCorvane.h"
+#include "services/MixLut3DAidl.h"
 
 namespace snapdragoncolor {
 
@@ -47,6 +49,22 @@ void PanelCorvane::initHidlService() {
     devio::sleepSeconds(1);
     if (sIsHidlRegitsered) return;  // another panel's worker got there first
   }
+}
+
+std::shared_ptr<PanelCorvane::MixLut3DAidl> PanelCorvane::mAidl;
+
+void PanelCorvane::initAidlService() {
+  if (mPanelIndex != 0) return;
+  PC_LOGD("AIDL:start\n");
+  if (mAidl) return;
+  mAidl = ::ndk::SharedRefBase::make<MixLut3DAidl>();
+  const std::string instance = std::string(MixLut3DAidl::descriptor) + "/default";
+  binder_status_t status = STATUS_OK;
+  {
+    ::ndk::SpAIBinder binder = mAidl->asBinder();
+    status = AServiceManager_addService(binder.get(), instance.c_str());
+  }
+  PC_LOGD("AIDL:%s %s\n", instance.c_str(), status == STATUS_OK ? "OK!" : "ERROR!");
 }
 
 }  // namespace snapdragoncolor

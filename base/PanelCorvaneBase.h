@@ -57,16 +57,19 @@ class PanelCorvaneBase {
   static std::atomic<Prop*> sProp;
   static std::mutex base_lock_;
 
-  // One integer key of the property file, read under base_lock_; false (and `value` untouched)
-  // while no property file is loaded.
-  static bool readPropInt(const char* key, int def, int* value);
-
   static constexpr int kNumRefColors = 21;
   uint32_t mRefColors[kNumRefColors][3];
   // The colour manager's display name: up to 256 characters, plus a terminator that is always
   // there so the name can be printed safely.
   char mName[257];
   std::atomic<uint32_t> mPanelIndex{0};  // written by Init while the worker may read it
+
+ private:
+  friend class PanelRegistry;
+  // Guarded by PanelRegistry's lock: service calls pinned to this object, and whether its
+  // destructor has withdrawn it.
+  int mPins = 0;
+  bool mWithdrawn = false;
 };
 
 static_assert(sizeof(PanelCorvaneBase::OpticalDataFile) >= 510, "odf image holds the whole file");
