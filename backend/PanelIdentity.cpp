@@ -16,13 +16,14 @@
 #include "backend/PanelCorvaneBE.h"
 #include "base/DeviceIo.h"
 #include "base/Log.h"
+#include "tarnu_display/panel_ioctl.h"
 
 namespace snapdragoncolor {
 
 namespace {
 
-constexpr unsigned long kPanelIoctlGetSerialNumber = 0xC0296F0EUL;  // _IOWR('o', 14, 41 bytes)
-constexpr size_t kSerialArgSize = 41;
+using tarnu_display::kPanelIoctlGetSerialNumber;
+using tarnu_display::kSerialArgSize;
 constexpr size_t kSerialLength = 40;
 constexpr size_t kSerialWithNewline = 41;
 constexpr size_t kStampOffset = 25;

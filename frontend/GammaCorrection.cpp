@@ -12,6 +12,7 @@
 #include "base/DeviceIo.h"
 #include "base/Log.h"
 #include "frontend/FloatOps.h"
+#include "frontend/OdfLayout.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
@@ -40,9 +41,9 @@ constexpr GammaParamIndex kIntermediate = {11, 12, 13, 14, 8};
 constexpr GammaParamIndex kFinal = {16, 17, 18, 19, 15};
 constexpr int kOffset0 = 9;
 constexpr int kOffset256 = 10;
-constexpr int kWhiteY = 5;
-// Luminance of grey level 512k (k = 1..7) sits at 5 + 6 * (8 - k).
-constexpr int knotIndex(int k) { return 5 + 6 * (8 - k); }
+constexpr int kWhiteY = odf::greyLuminanceAt(0);
+// Luminance of grey level 512k (k = 1..7): grey step 8 - k of the ramp.
+constexpr int knotIndex(int k) { return odf::greyLuminanceAt(8 - k); }
 }  // namespace
 
 void PanelCorvaneFE::GammaCorrection(OpticalDataFile odf, TargetParm target, unsigned int* table) {

@@ -10,7 +10,9 @@
 
 #include "base/DeviceIo.h"
 #include "base/Log.h"
+#include "base/LutGrid.h"
 #include "base/Trace.h"
+#include "frontend/OdfLayout.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
@@ -18,8 +20,8 @@ namespace snapdragoncolor {
 namespace {
 constexpr unsigned kLevels = PanelCorvaneFE::kGridLevels;
 
-unsigned levelCode(unsigned level) { return level >= kLevels - 1 ? 4095u : 256u * level; }
-unsigned entryOf(unsigned r, unsigned g, unsigned b) { return 289u * b + 17u * g + r; }
+unsigned levelCode(unsigned level) { return lutGridCode(level); }
+unsigned entryOf(unsigned r, unsigned g, unsigned b) { return lutEntryIndex(r, g, b); }
 
 // Hue-preserving remap through the value of the largest channel; all-zero stays zero.
 void remapByMax(PanelCorvaneFE& fe, const unsigned int* table, int* rgb) {
@@ -86,7 +88,8 @@ void PanelCorvaneFE::generateLut3D(OpticalDataFile& odf, TargetParm& target, lut
   }
 
   // Panel chromaticities from the measured XYZ of red, green, blue and white.
-  static constexpr int kXyzAt[4] = {106, 82, 118, 4};
+  static constexpr int kXyzAt[4] = {odf::kRedXyzAt, odf::kGreenXyzAt, odf::kBlueXyzAt,
+                                    odf::kWhiteXyzAt};
   static const char* const kLabel[4] = {"R", "G", "B", "W"};
   float panelXY[4][2];
   for (int k = 0; k < 4; ++k) {

@@ -22,13 +22,14 @@
 #include "base/Algorithm.h"
 #include "base/DeviceIo.h"
 #include "base/Log.h"
+#include "frontend/OdfLayout.h"
 #include "frontend/PanelCorvaneFE.h"
 
 namespace snapdragoncolor {
 
 namespace {
-constexpr std::streamsize kOdfBytes = 510;
-constexpr unsigned int kOdfCrcBytes = 508;
+constexpr std::streamsize kOdfBytes = odf::kBytes;
+constexpr unsigned int kOdfCrcBytes = odf::kCrcBytes;
 constexpr std::streamsize kMaxTargetBytes = 64 * 1024;
 static_assert(offsetof(PanelCorvaneBase::OpticalDataFile, crc) == kOdfCrcBytes,
               "the checksum follows the 127 measurements directly");

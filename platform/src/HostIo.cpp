@@ -12,11 +12,12 @@
 #include <string>
 #include <thread>
 
+#include "tarnu_display/panel_ioctl.h"
+
 namespace {
 
-// PANEL_IOCTL_GET_SERIAL_NUMBER: _IOWR('o', 14, 41 bytes).
-constexpr unsigned long kSerialNumberIoctl = 0xC0296F0EUL;
-constexpr size_t kSerialArgSize = 41;
+using tarnu_display::kSerialArgSize;
+constexpr unsigned long kSerialNumberIoctl = tarnu_display::kPanelIoctlGetSerialNumber;
 constexpr size_t kMaxDriverFile = 64 * 1024;
 
 std::mutex gOverrideMutex;

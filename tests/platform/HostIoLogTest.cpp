@@ -14,11 +14,12 @@
 #include <regex>
 #include <sstream>
 
+#include "tarnu_display/panel_ioctl.h"
 #include "tests/support/TestSupport.h"
 
 namespace {
 
-constexpr unsigned long kSerialNumberIoctl = 0xC0296F0EUL;
+constexpr unsigned long kSerialNumberIoctl = tarnu_display::kPanelIoctlGetSerialNumber;
 
 TEST(HostLog, LinesFollowTheThreadtimeLayoutInTheLogFile) {
   pctest::TempRoot root;

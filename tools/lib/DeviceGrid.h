@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "base/LutGrid.h"
 #include "snapdragoncolor/sc_color_records.h"
 
 namespace pctool {
@@ -12,9 +13,11 @@ constexpr uint32_t kGrid = snapdragoncolor::kLut3dGridSize;
 constexpr uint32_t kEntries = snapdragoncolor::kLut3dEntries;
 constexpr double kFullScale = 4095.0;
 
-inline uint32_t gridCode(uint32_t level) { return level >= kGrid - 1 ? 4095u : level * 256u; }
+inline uint32_t gridCode(uint32_t level) { return snapdragoncolor::lutGridCode(level); }
 
-inline uint32_t entryIndex(uint32_t r, uint32_t g, uint32_t b) { return (b * kGrid + g) * kGrid + r; }
+inline uint32_t entryIndex(uint32_t r, uint32_t g, uint32_t b) {
+  return snapdragoncolor::lutEntryIndex(r, g, b);
+}
 
 // Header of a table as the plugin fills it, and the grid inputs of every entry; outputs untouched.
 inline void setDeviceGrid(snapdragoncolor::lut3d_info& lut, uint32_t lutId) {

@@ -19,16 +19,21 @@
 #include <istream>
 #include <string>
 
+#include "frontend/OdfLayout.h"
+
 namespace pctool {
 
-constexpr size_t kOdfBytes = 510;
-constexpr int kOdfFloats = 127;
+constexpr size_t kOdfBytes = snapdragoncolor::odf::kBytes;
+constexpr int kOdfFloats = snapdragoncolor::odf::kFloats;
 using OdfImage = std::array<uint8_t, kOdfBytes>;
 
 // Grey levels below white, in the order of their positions 11, 17, ..., 47.
 constexpr int kOdfGreyLevels[7] = {3584, 3072, 2560, 2048, 1536, 1024, 512};
-constexpr int kOdfRedAt = 106, kOdfGreenAt = 82, kOdfBlueAt = 118, kOdfWhiteAt = 4;
-inline int odfGreyYAt(int greyIndex) { return 11 + 6 * greyIndex; }
+constexpr int kOdfRedAt = snapdragoncolor::odf::kRedXyzAt;
+constexpr int kOdfGreenAt = snapdragoncolor::odf::kGreenXyzAt;
+constexpr int kOdfBlueAt = snapdragoncolor::odf::kBlueXyzAt;
+constexpr int kOdfWhiteAt = snapdragoncolor::odf::kWhiteXyzAt;
+inline int odfGreyYAt(int greyIndex) { return snapdragoncolor::odf::greyLuminanceAt(greyIndex + 1); }
 
 struct OdfMeasurements {
   double red[3] = {}, green[3] = {}, blue[3] = {}, white[3] = {};  // XYZ
