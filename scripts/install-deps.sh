@@ -11,6 +11,7 @@ PACKAGES=(
   libcairo2-dev                   # the workbench's PNG report pages
   ffmpeg                          # tests: exported .cube files against ffmpeg's lut3d filter
   binutils                        # tests: the plugin's exported symbols (nm)
+  clang libclang-rt-14-dev        # fuzz/: libFuzzer and clang's sanitizer runtimes
 )
 
 missing=()

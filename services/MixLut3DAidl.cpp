@@ -26,13 +26,17 @@ namespace snapdragoncolor {
                                            std::vector<int32_t>* out_out,
                                            int32_t* /*_aidl_return*/) {
   // The caller packs a text into the ints; it need not be terminated within the vector.
-  const char* bytes = reinterpret_cast<const char*>(in_in.data());
-  size_t size = in_in.size() * sizeof(int32_t);
-  std::string text(bytes, strnlen(bytes == nullptr ? "" : bytes, size));
+  std::string text;
+  if (!in_in.empty()) {
+    const char* bytes = reinterpret_cast<const char*>(in_in.data());
+    text.assign(bytes, strnlen(bytes, in_in.size() * sizeof(int32_t)));
+  }
   PC_LOGE("%s\n", text.c_str());
 
+  // The answer goes into the elements the caller supplied, never beyond: an empty vector gets
+  // nothing.
   static constexpr char kAnswer[] = "You say world!";
-  if (out_out != nullptr) {
+  if (out_out != nullptr && !out_out->empty()) {
     size_t room = out_out->size() * sizeof(int32_t);
     std::memcpy(out_out->data(), kAnswer, std::min(room, sizeof(kAnswer) - 1));
   }

@@ -88,6 +88,10 @@ TEST_F(ServiceStartupTest, AidlForwardsToTheChosenPanel) {
   EXPECT_TRUE(log.has("1-sencept: Hello"));
   EXPECT_TRUE(service->sencept(0, 0, std::vector<int32_t>{}, &small, &ret).isOk());
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(small.data()), 8), "You say ");
+  // Found by fuzzing: an empty answer vector got a copy to its null storage.
+  std::vector<int32_t> none;
+  EXPECT_TRUE(service->sencept(0, 0, std::vector<int32_t>{}, &none, &ret).isOk());
+  EXPECT_TRUE(none.empty());
 }
 
 }  // namespace
