@@ -59,6 +59,7 @@ struct RunningPanel {
     while (!panel.tablesReady() && std::chrono::steady_clock::now() < until) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+    pchost::waitForIdleLoopers();  // the loading job has let go of the tables
   }
   ~RunningPanel() {
     panel.DeInit();

@@ -82,6 +82,7 @@ TwoPanels& runningDevice() {
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+    pchost::waitForIdleLoopers();  // the loading jobs have let go of the tables
     return d;
   }();
   return *device;

@@ -1,22 +1,68 @@
 // The host looper: a condition variable stands in for the device's eventfd and epoll.
 #include <utils/Looper.h>
 
+#include <algorithm>
 #include <chrono>
 #include <limits>
+#include <thread>
+
+#include "pchost/host.h"
 
 namespace android {
 
 namespace {
 constexpr nsecs_t kForever = std::numeric_limits<nsecs_t>::max();
+
+// Every live looper, for waitForIdleLoopers. Lock order: this registry, then a looper's lock.
+struct LiveLoopers {
+  std::mutex lock;
+  std::vector<Looper*> loopers;
+};
+LiveLoopers& liveLoopers() {
+  static LiveLoopers* live = new LiveLoopers;  // never destroyed: loopers may outlive statics
+  return *live;
+}
+
+// The loopers this thread has polled; when the thread ends, the ones still alive are orphaned:
+// their messages will never run, so they no longer count as work under way.
+struct PolledByThisThread {
+  std::vector<Looper*> loopers;
+  ~PolledByThisThread() {
+    LiveLoopers& live = liveLoopers();
+    std::lock_guard<std::mutex> lock(live.lock);
+    for (Looper* l : loopers)
+      if (std::find(live.loopers.begin(), live.loopers.end(), l) != live.loopers.end())
+        l->setOrphaned(true);
+  }
+};
+thread_local PolledByThisThread tPolled;
 }  // namespace
 
 MessageHandler::~MessageHandler() = default;
 
-Looper::Looper(bool allowNonCallbacks) : mAllowNonCallbacks(allowNonCallbacks) {}
+Looper::Looper(bool allowNonCallbacks) : mAllowNonCallbacks(allowNonCallbacks) {
+  std::lock_guard<std::mutex> lock(liveLoopers().lock);
+  liveLoopers().loopers.push_back(this);
+}
 
-Looper::~Looper() = default;
+Looper::~Looper() {
+  LiveLoopers& live = liveLoopers();
+  std::lock_guard<std::mutex> lock(live.lock);
+  live.loopers.erase(std::remove(live.loopers.begin(), live.loopers.end(), this), live.loopers.end());
+}
+
+bool Looper::isBusy() const {
+  std::lock_guard<std::mutex> lock(mLock);
+  if (mOrphaned) return false;
+  return mSendingMessage ||
+         (!mEnvelopes.empty() && mEnvelopes.front().uptime <= systemTime(SYSTEM_TIME_MONOTONIC));
+}
 
 int Looper::pollOnce(int timeoutMillis, int* /*outFd*/, int* /*outEvents*/, void** /*outData*/) {
+  if (std::find(tPolled.loopers.begin(), tPolled.loopers.end(), this) == tPolled.loopers.end()) {
+    tPolled.loopers.push_back(this);
+    mOrphaned = false;
+  }
   const nsecs_t start = systemTime(SYSTEM_TIME_MONOTONIC);
   const nsecs_t deadline = timeoutMillis < 0 ? kForever : start + ms2ns(timeoutMillis);
 
@@ -138,3 +184,24 @@ nsecs_t Looper::nextMessageUptime() const {
 }
 
 }  // namespace android
+
+namespace pchost {
+
+bool waitForIdleLoopers(double timeoutSeconds) {
+  const auto until = std::chrono::steady_clock::now() +
+                     std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                         std::chrono::duration<double>(timeoutSeconds));
+  for (;;) {
+    bool busy = false;
+    {
+      auto& live = android::liveLoopers();
+      std::lock_guard<std::mutex> lock(live.lock);
+      for (android::Looper* l : live.loopers) busy = busy || l->isBusy();
+    }
+    if (!busy) return true;
+    if (std::chrono::steady_clock::now() > until) return false;
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
+  }
+}
+
+}  // namespace pchost

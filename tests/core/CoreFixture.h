@@ -6,6 +6,7 @@
 #include <binder/IServiceManager.h>
 #include <binder/Parcel.h>
 #include <gtest/gtest.h>
+#include <pchost/host.h>
 #include <pchost/services.h>
 #include <utils/String16.h>
 
@@ -32,6 +33,10 @@ inline bool waitFor(const std::function<bool()>& cond) {
   }
   return true;
 }
+
+// Waits until the workers have run what was posted to them: a job that made the tables ready
+// has also let go of them, so the next frame finds them.
+inline bool settle() { return pchost::waitForIdleLoopers(20); }
 
 class RecordingDisplayService : public qService::BnQService {
  public:

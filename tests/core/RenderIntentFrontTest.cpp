@@ -39,6 +39,7 @@ class RenderIntentFrontTest : public pctest::CoreTest {
     PanelCorvane* p = make();
     p->Init("primary");
     EXPECT_TRUE(pctest::waitFor([&] { return p->tablesReady(); })) << log.dump();
+    EXPECT_TRUE(pctest::settle());
     PanelCorvaneBase::sDebug = 1 | 0x02;  // verbose: refresh and interpolation show in the log
     log.clear();
     return p;

@@ -27,6 +27,7 @@ class TableLoadingTest : public pctest::CoreTest {
     PanelCorvane* p = make();
     p->Init("PanelCorvane_primary");
     EXPECT_TRUE(pctest::waitFor([&] { return log.countContaining("1-onLoad3dLut: panel:0 init (") > 0; }));
+    EXPECT_TRUE(pctest::settle());
     return p;
   }
   // As a new process would: the old object gone, the cache memory state fresh.

@@ -157,6 +157,7 @@ class TwoPanelRig : public CoreTest {
         << log.dump();
     ASSERT_TRUE(
         waitFor([&] { return snapdragoncolor::PanelCorvaneBase::sIsHidlRegitsered.load(); }));
+    ASSERT_TRUE(pctest::settle());
     witness[0].capture(0, kLevels);
     witness[1].capture(1, kLevels);
     cleanCache[0] = readBytes(root.host("/data/vendor/display/cofc.fw"));

@@ -4,6 +4,7 @@
 #include <android/binder_manager.h>
 #include <binder/IServiceManager.h>
 #include <binder/Parcel.h>
+#include <pchost/host.h>
 #include <pchost/services.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -112,16 +113,11 @@ void SessionPlayer::play(const std::vector<SessionStep>& steps) {
   }
 }
 
-// The worker answers refresh requests on its own thread; wait until the count settles.
+// The worker answers refresh requests on its own thread: the count is final once every message
+// loop has run what was posted to it.
 int SessionPlayer::settledRefreshes() {
-  int last = mDisplay->refreshes;
-  for (int stable = 0, i = 0; stable < 3 && i < 100; ++i) {
-    std::this_thread::sleep_for(std::chrono::microseconds(300));
-    const int now = mDisplay->refreshes;
-    stable = now == last ? stable + 1 : 0;
-    last = now;
-  }
-  return last;
+  pchost::waitForIdleLoopers();
+  return mDisplay->refreshes;
 }
 
 void SessionPlayer::frame(const SessionStep& s) {
@@ -170,6 +166,7 @@ void SessionPlayer::waitTables(int p) {
     if (!mRunning[p] || std::chrono::steady_clock::now() > until) break;
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
+  pchost::waitForIdleLoopers();  // the loading job has let go of the tables
   const bool ready = mLog.has(needle + "1)");
   const std::vector<TableJob> jobs = tableJobs(mLog.lines());
   const TableJob* job = lastJobOf(jobs, pu.name);

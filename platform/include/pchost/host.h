@@ -38,4 +38,10 @@ void sleepSeconds(double seconds);
 void setSleepScale(double scale);
 void setRootOverride(const char* root);
 
+// Message loops: waits until no looper of the process has a message due or a handler running,
+// so a caller knows the work its calls posted is done (a refresh answered, a table job ended)
+// without guessing a time. Delayed messages not yet due do not count. False when `timeoutSeconds`
+// passed first.
+bool waitForIdleLoopers(double timeoutSeconds = 60);
+
 }  // namespace pchost

@@ -5,6 +5,7 @@
 #include <utils/RefBase.h>
 #include <utils/Timers.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -67,6 +68,11 @@ class Looper : public RefBase {
   std::vector<PendingMessage> pendingMessages() const;
   // Host only: due time of the next message, or -1 when none is pending.
   nsecs_t nextMessageUptime() const;
+  // Host only: a handler runs or a message is due, and a thread that polled this looper is still
+  // alive (or none has polled it yet).
+  bool isBusy() const;
+  // Host only: the last thread that polled this looper has ended (false again when one polls).
+  void setOrphaned(bool orphaned) { mOrphaned = orphaned; }
 
  protected:
   ~Looper() override;
@@ -90,6 +96,7 @@ class Looper : public RefBase {
   bool mWakePending = false;
   bool mSendingMessage = false;
   bool mPolling = false;
+  std::atomic<bool> mOrphaned{false};
 };
 
 }  // namespace android
