@@ -1,0 +1,70 @@
+// The workbench's readers of what engineers hand it: .cube files, session scripts, the
+// measurement text of `odf write`, .odf images, and `inspect`, which must name any file's kind
+// (cache, LUT text, .odf, .cube or unknown) and read it as that kind. Input: one byte choosing
+// the reader, then the text or bytes.
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "fuzz/support/FuzzSupport.h"
+#include "snapdragoncolor/sc_color_records.h"
+#include "tools/lib/CubeFile.h"
+#include "tools/lib/FileInfo.h"
+#include "tools/lib/OdfWriter.h"
+#include "tools/lib/Session.h"
+#include "tools/lib/TableSource.h"
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  pcfuzz::quietPlatform();
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size == 0) return 0;
+  const int reader = data[0] % 5;
+  const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
+  std::string error;
+  switch (reader) {
+    case 0: {
+      std::istringstream in(text);
+      auto lut = std::make_unique<snapdragoncolor::lut3d_info>();
+      pctool::CubeReadInfo info;
+      pctool::CubeFile::parse(in, *lut, 0, info, error);
+      break;
+    }
+    case 1: {
+      std::vector<pctool::SessionStep> steps;
+      pctool::parseSession(text, &steps, &error);
+      break;
+    }
+    case 2: {
+      std::istringstream in(text);
+      pctool::OdfValues values;
+      pctool::parseOdfText(in, "fuzz", &values, &error);
+      break;
+    }
+    case 3: {
+      pctool::DecodedOdf odf;
+      pctool::decodeOdf(data + 1, size - 1, &odf, &error);
+      break;
+    }
+    default: {
+      // inspect and the table loader open files by path: the input goes through a file.
+      const std::string path = pcfuzz::quietPlatform() + "/inspect-input";
+      {
+        std::ofstream out(path, std::ios::binary | std::ios::trunc);
+        out.write(text.data(), static_cast<std::streamsize>(text.size()));
+      }
+      std::string info;
+      pctool::inspectFile(path, info, error);
+      std::vector<pctool::LoadedTable> tables;
+      pctool::loadTables(path, tables, error);
+      std::remove(path.c_str());
+      break;
+    }
+  }
+  return 0;
+}
