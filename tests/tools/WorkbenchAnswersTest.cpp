@@ -69,6 +69,20 @@ TEST_F(WorkbenchAnswers, TheOpticalDataNamedIsTheOneTheTablesCameFrom) {
   }
 }
 
+// A panel object initialised again after DeInit runs no loading job and keeps no tables: an
+// earlier job's "ready" must not answer for it.
+TEST_F(WorkbenchAnswers, APanelInitialisedAgainIsNotReadyOnItsEarlierJob) {
+  ASSERT_EQ(run("mkdevice D").status, 0);
+  root.write("/again.txt", "init primary\ninit secondary\nwait-tables secondary\ndeinit secondary\n"
+                           "init secondary\nwait-tables secondary\nframe secondary 1 256\n");
+  ToolRun r = run("simulate --device D --out O --session again.txt");
+  EXPECT_EQ(r.status, 1) << r.out;
+  EXPECT_NE(r.out.find("tables of PanelCorvane_secondary: ready (generated)"), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("tables of PanelCorvane_secondary: NOT ready (initialised again"), std::string::npos)
+      << r.out;
+  EXPECT_NE(r.out.find("frame PanelCorvane_secondary gamut  1 intent 256 -> no table"), std::string::npos);
+}
+
 TEST_F(WorkbenchAnswers, ALutTextFileInAnotherOrderIsRefused) {
   auto lut = std::make_unique<lut3d_info>();
   pctool::setIdentity(*lut, 0);

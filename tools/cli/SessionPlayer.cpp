@@ -58,6 +58,18 @@ bool LogWatch::has(const std::string& needle) {
   return false;
 }
 
+size_t LogWatch::size() {
+  std::lock_guard<std::mutex> lock(mMutex);
+  return mLines.size();
+}
+
+std::string LogWatch::lastSince(size_t from, const std::string& needle) {
+  std::lock_guard<std::mutex> lock(mMutex);
+  for (size_t i = mLines.size(); i > from; --i)
+    if (mLines[i - 1].text.find(needle) != std::string::npos) return mLines[i - 1].text;
+  return "";
+}
+
 std::vector<PluginLogLine> LogWatch::lines() {
   std::lock_guard<std::mutex> lock(mMutex);
   return mLines;
@@ -160,14 +172,20 @@ void SessionPlayer::frame(const SessionStep& s) {
 
 void SessionPlayer::waitTables(int p) {
   const PanelUnderTest& pu = mPanels[p];
-  const std::string needle = "1-onLoad3dLut: panel:" + std::to_string(pu.pluginPanel) + " init (";
-  const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(120);
-  while (!mLog.has(needle)) {
-    if (!mRunning[p] || std::chrono::steady_clock::now() > until) break;
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  // The loading job is a message of the panel's worker: once every loop is idle it has ended.
+  if (mRunning[p]) pchost::waitForIdleLoopers(120);
+  const std::string verdict =
+      mLog.lastSince(mInitMark[p], "1-onLoad3dLut: panel:" + std::to_string(pu.pluginPanel) + " init (");
+  const bool ready = !verdict.empty() && verdict.find("init (1)") != std::string::npos;
+  if (mRunning[p] && verdict.empty()) {
+    // An object initialised before keeps its ready flag, while DeInit released the tables for
+    // good: no job runs and the panel serves no table.
+    mNotReady.push_back(pu.name);
+    printf("  tables of %s: NOT ready (initialised again: no loading job ran, the tables released "
+           "by its DeInit stay released)",
+           pu.name.c_str());
+    return;
   }
-  pchost::waitForIdleLoopers();  // the loading job has let go of the tables
-  const bool ready = mLog.has(needle + "1)");
   const std::vector<TableJob> jobs = tableJobs(mLog.lines());
   const TableJob* job = lastJobOf(jobs, pu.name);
   if (!ready) {
@@ -225,6 +243,7 @@ void SessionPlayer::step(const SessionStep& s) {
       printf("%s\n", s.text.c_str());
       break;
     case SessionStep::kInit:
+      mInitMark[s.panel] = mLog.size();
       panel(s.panel)->Init(name);
       mRunning[s.panel] = true;
       printf("  init %s", name.c_str());

@@ -29,6 +29,9 @@ class LogWatch {
  public:
   void add(int prio, const char* tag, const char* text);
   bool has(const std::string& needle);
+  size_t size();
+  // The text of the last line from index `from` on that contains `needle`, or "".
+  std::string lastSince(size_t from, const std::string& needle);
   std::vector<PluginLogLine> lines();
   // Lines per priority letter, for the summary: "D 189, E 45".
   std::string countsText();
@@ -73,6 +76,7 @@ class SessionPlayer {
   PanelUnderTest mPanels[2];
   snapdragoncolor::ScPostBlendInterface* mObjects[2] = {nullptr, nullptr};
   bool mRunning[2] = {false, false};
+  size_t mInitMark[2] = {0, 0};  // log size when the panel's last Init began
   android::sp<RecordingDisplayService> mDisplay;
   int mFrames = 0;
   std::vector<std::string> mNotReady;
