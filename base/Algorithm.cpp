@@ -7,6 +7,7 @@
 
 #include <cmath>
 
+#include "base/De76Report.h"
 #include "base/Log.h"
 
 namespace snapdragoncolor {
@@ -15,10 +16,6 @@ namespace {
 
 constexpr float kLabEpsilon = 0.008856f;
 constexpr float kCubeRootExponent = 0.33333334f;
-constexpr double kReportAbove = 50.0;
-constexpr int kBins = 10;
-constexpr int kPassBins = 5;            // bins 0-4 hold the distances below 50
-constexpr int kPassThreshold = 393040;  // 80 % of 4913 entries, times 100
 
 struct Lab {
   float L;
@@ -43,8 +40,6 @@ Lab toLab(float r, float g, float b) {
   return {L, 500.0f * (fx - fy), 200.0f * (fy - fz)};
 }
 
-float unit(uint32_t code) { return static_cast<float>(code / 4095.0); }
-
 }  // namespace
 
 float Algorithm::DeltaE76(float r1, float g1, float b1, float r2, float g2, float b2) {
@@ -57,31 +52,22 @@ float Algorithm::DeltaE76(float r1, float g1, float b1, float r2, float g2, floa
 }
 
 int Algorithm::check3DLut(lut3d_info& lut) {
-  int bins[kBins] = {};
-  for (uint32_t i = 0; i < kLut3dEntries; ++i) {
-    const lut3d_entry& e = lut.entries[i];
-    const float d = DeltaE76(unit(e.in[0]), unit(e.in[1]), unit(e.in[2]), unit(e.out[0]),
-                             unit(e.out[1]), unit(e.out[2]));
-    if (d > kReportAbove) {
-      PC_LOGE("[%d] [%d, %d,%d --> %d,%d,%d]    %f\n", static_cast<int>(i),
-              static_cast<int>(e.in[0]), static_cast<int>(e.in[1]), static_cast<int>(e.in[2]),
-              static_cast<int>(e.out[0]), static_cast<int>(e.out[1]), static_cast<int>(e.out[2]),
-              static_cast<double>(d));
-    }
-    const double tens = d / 10.0;
-    const int bin = tens < kBins - 1 ? static_cast<int>(tens) : kBins - 1;  // NaN lands in 9
-    ++bins[bin < 0 ? 0 : bin];
+  const De76Report r = de76Report(lut);
+  for (const De76Report::Far& f : r.far) {
+    PC_LOGE("[%d] [%d, %d,%d --> %d,%d,%d]    %f\n", static_cast<int>(f.index),
+            static_cast<int>(f.in[0]), static_cast<int>(f.in[1]), static_cast<int>(f.in[2]),
+            static_cast<int>(f.out[0]), static_cast<int>(f.out[1]), static_cast<int>(f.out[2]),
+            static_cast<double>(f.d));
   }
-  for (int k = 0; k < kBins; ++k) PC_LOGE("[%d] = %d\n", k, bins[k]);
-  int pass = 0;
-  for (int k = 0; k < kPassBins; ++k) pass += bins[k];
-  pass *= 100;
+  for (int k = 0; k < De76Report::kBins; ++k) {
+    PC_LOGE("[%d] = %d\n", k, static_cast<int>(r.bins[k]));
+  }
   // The pass line ends in "%\n" as it always has; the platform's printf decides what it shows.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
-  PC_LOGE("< 50 : %d%\n", pass / static_cast<int>(kLut3dEntries));
+  PC_LOGE("< 50 : %d%\n", static_cast<int>(r.passPercent));
 #pragma GCC diagnostic pop
-  return pass < kPassThreshold ? -1 : 0;
+  return r.pass ? 0 : -1;
 }
 
 }  // namespace snapdragoncolor

@@ -1,10 +1,5 @@
-// Reading and writing a panel's table cache file.
-//
-// Layout (native little-endian, no header, no padding):
-//   N x 117928 bytes  the lut3d_info records, byte for byte as in memory
-//   4 bytes each      source, panelId, paramVersion, checkSum
-// The file's length (16 + N x 117928) is its only version mark: it must equal FWVersion.
-// checkSum is the wrap-around sum of every table word plus source, panelId and paramVersion.
+// Loading and saving a panel's table cache file; the format and its reader are in
+// CacheFileReader.h.
 #define LOG_TAG "PanelCorvaneCache"
 
 #include <fcntl.h>
@@ -12,12 +7,12 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <string>
 
 #include "base/DeviceIo.h"
 #include "base/Log.h"
+#include "cache/CacheFileReader.h"
 #include "cache/Lut3DCacheManager.h"
 
 namespace snapdragoncolor {
@@ -55,26 +50,24 @@ int32_t Lut3DCacheManager::loadCacheFromFile(unsigned panel, unsigned fwVersion,
   // Nothing to read into: an uninitialised (or released) panel never accepts a cache.
   if (n == 0 || cfg.lutArray == nullptr) return failed;
 
-  const std::streamsize tableBytes = static_cast<std::streamsize>(n * sizeof(lut3d_info));
-  in.read(reinterpret_cast<char*>(cfg.lutArray), tableBytes);
-  bool complete = in.gcount() == tableBytes;
-  uint32_t trailer[kTrailerWords] = {};
-  in.read(reinterpret_cast<char*>(trailer), sizeof(trailer));
-  complete = complete && in.gcount() == static_cast<std::streamsize>(sizeof(trailer));
+  // Read straight into the live array: after a rejection it holds the rejected file until the
+  // caller regenerates the tables.
+  const CacheRead read = readCacheTables(in, n, cfg.lutArray);
   in.close();
-  cfg.source = trailer[0];
-  cfg.panelId = trailer[1];
-  cfg.paramVersion = trailer[2];
-  cfg.checkSum = trailer[3];
+  cfg.source = read.trailer.source;
+  cfg.panelId = read.trailer.panelId;
+  cfg.paramVersion = read.trailer.paramVersion;
+  cfg.checkSum = read.trailer.checkSum;
 
-  const uint32_t computed = checkSum(cfg.lutArray, n, cfg.source, cfg.panelId, cfg.paramVersion);
+  const uint32_t computed = read.computedCheckSum;
   PC_LOGD("input check  %#x,PanelId:%d\n", computed, static_cast<int>(panel));
   PC_LOGD("(%d)CHECK %#x =? %#x,Golden:%d Mat:%d %u(->%u)\n", static_cast<int>(panel), cfg.checkSum,
           computed, static_cast<int>(cfg.source), matched ? 1 : 0, cfg.paramVersion, paramVersion);
 
   // Source 2 (matched panel, golden data) matches neither state: such a cache is regenerated.
   const bool sourceAgrees = matched ? cfg.source == 0 : cfg.source == 1;
-  if (complete && cfg.checkSum == computed && cfg.paramVersion == paramVersion && sourceAgrees) {
+  if (read.complete && cfg.checkSum == computed && cfg.paramVersion == paramVersion &&
+      sourceAgrees) {
     return 0;
   }
   return failed;

@@ -6,17 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
 
 #include "base/DeviceIo.h"
 #include "base/Log.h"
+#include "config/PropertyReader.h"
 
 namespace snapdragoncolor {
-
-namespace {
-// A property file is a handful of lines; anything far larger is not one.
-constexpr size_t kMaxFileBytes = 1 << 20;
-}  // namespace
 
 bool Prop::Init() {
   std::string content;
@@ -32,14 +28,16 @@ bool Prop::readFileToString(const char* path, std::string* out) {
   out->clear();
   struct stat st {};
   if (fstat(fd, &st) == 0 && st.st_size >= 1) {
-    out->reserve(std::min<size_t>(static_cast<size_t>(st.st_size), kMaxFileBytes));
+    out->reserve(std::min<size_t>(static_cast<size_t>(st.st_size), kMaxPropertyBytes + 1));
   }
   char chunk[1024];
   for (;;) {
-    ssize_t n = read(fd, chunk, sizeof(chunk));
+    // One byte past the limit is enough for the parser to tell an oversized file.
+    const size_t room = kMaxPropertyBytes + 1 - out->size();
+    ssize_t n = read(fd, chunk, std::min(sizeof(chunk), room));
     if (n <= 0) break;  // a read error ends the file like its end does
     out->append(chunk, static_cast<size_t>(n));
-    if (out->size() >= kMaxFileBytes) break;
+    if (out->size() > kMaxPropertyBytes) break;
   }
   close(fd);
   return true;
@@ -59,16 +57,10 @@ uint32_t Prop::split(const std::string& content, std::vector<std::string>& lines
 }
 
 uint32_t Prop::parsePropertyFile(std::string& content) {
-  std::vector<std::string> lines;
-  split(content, lines);
-  for (const std::string& line : lines) {
-    if (line.empty() || line[0] == '#') continue;
-    size_t eq = line.find('=');
-    if (eq == std::string::npos) continue;
-    std::string key = line.substr(0, eq);
-    std::string value = line.substr(eq + 1);
-    PC_LOGD_AS("parsePropertyFile", "%s=%s,\n", key.c_str(), value.c_str());
-    mEntries.emplace(std::move(key), std::move(value));  // first occurrence wins
+  // The file is taken as it is; what the reader finds odd is the workbench's to tell.
+  for (PropertyLine& line : readProperties(content).accepted) {
+    PC_LOGD_AS("parsePropertyFile", "%s=%s,\n", line.key.c_str(), line.value.c_str());
+    mEntries.emplace(std::move(line.key), std::move(line.value));  // first occurrence wins
     ++mCount;
   }
   return mCount;
@@ -82,7 +74,7 @@ const std::string* Prop::find(const char* key) const {
 
 int32_t Prop::intOr(const char* key, int32_t def) const {
   const std::string* v = find(key);
-  return v ? static_cast<int32_t>(strtol(v->c_str(), nullptr, 10)) : def;
+  return v ? propertyInt(*v) : def;
 }
 
 uint32_t Prop::GetPanelId(const char* name) {
@@ -92,9 +84,7 @@ uint32_t Prop::GetPanelId(const char* name) {
     PC_LOGE_AS("GetPanelId", "can not find %s\n", name ? name : "");
     return 0;
   }
-  // The hundreds digit chooses the panel: 100-199 is the secondary one.
-  uint32_t id = static_cast<uint32_t>(strtol(v->c_str(), nullptr, 10));
-  return (id >= 100 && id < 200) ? 1 : 0;
+  return panelIndexOf(*v);
 }
 
 int32_t Prop::GetLogLevel() { return intOr("LogLevel", 1); }
@@ -122,7 +112,7 @@ int Prop::GetValueByKey(const char* key, int defaultValue) {
     PC_LOGE_AS("GetValueByKey", "can not find %s defVal:%d\n", key ? key : "", defaultValue);
     return defaultValue;
   }
-  return static_cast<int>(strtol(v->c_str(), nullptr, 10));
+  return propertyInt(*v);
 }
 
 bool Prop::readSharedInt(const char* key, int def, int* value) {

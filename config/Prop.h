@@ -1,10 +1,5 @@
-// The plugin's key=value property file, "/odm/etc/PanelCorvane/panelcorvane".
-//
-// Format: lines end at a line feed; text after the last line feed is ignored. Empty lines and
-// lines starting with '#' are skipped, as are lines without '='. The key is everything before
-// the first '=', the value everything after; nothing is trimmed (a carriage return stays part
-// of the value). The first occurrence of a key wins, but every accepted line is counted.
-// Integers are read like atoi: leading blanks, optional sign, digits up to the first non-digit.
+// The plugin's key=value property file, "/odm/etc/PanelCorvane/panelcorvane", as typed
+// answers. The format and its reader are in PropertyReader.h.
 #pragma once
 
 #include <cstdint>

@@ -1,11 +1,11 @@
-#include "tools/lib/OdfWriter.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+#include "frontend/OdfReader.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "tests/support/TestSupport.h"
+#include "tools/lib/OdfWriter.h"
 
 namespace {
 
@@ -36,11 +36,14 @@ TEST(OdfWriter, TextBecomesAnImageThePluginAccepts) {
   EXPECT_EQ(fe.readODF(odf, "/odm/etc/a.odf"), 0);
   EXPECT_EQ(odf.values[84], 10.0f);
 
-  pctool::DecodedOdf back;
-  ASSERT_TRUE(pctool::decodeOdf(img.data(), img.size(), &back, &error));
-  EXPECT_TRUE(back.crcOk());
-  EXPECT_EQ(back.values.v[118], 18.0f);
-  EXPECT_FALSE(pctool::decodeOdf(img.data(), 509, &back, &error));
+  snapdragoncolor::PanelCorvaneBase::OpticalDataFile back{};
+  const snapdragoncolor::OdfRead read = snapdragoncolor::readOdf(img.data(), img.size(), back);
+  ASSERT_TRUE(read.diagnosis.ok());
+  EXPECT_TRUE(read.crcOk());
+  EXPECT_EQ(back.values[118], 18.0f);
+  snapdragoncolor::PanelCorvaneBase::OpticalDataFile shortOne{};
+  EXPECT_FALSE(snapdragoncolor::readOdf(img.data(), 509, shortOne).diagnosis.ok());
+  error = snapdragoncolor::readOdf(img.data(), 509, shortOne).diagnosis.message;
   EXPECT_EQ(error, "509 bytes, an optical data file holds 510");
 }
 

@@ -1,10 +1,13 @@
 // `odf print FILE` and `odf write OUT [MEASUREMENTS.txt]`.
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 
 #include "tools/cli/Command.h"
+#include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/FileAccess.h"
 #include "tools/lib/OdfWriter.h"
 #include "tools/lib/Plausibility.h"
@@ -45,23 +48,29 @@ void printXyz(const char* label, const double* xyz) {
   const double sum = xyz[0] + xyz[1] + xyz[2];
   const bool chroma = sum > 0 && std::isfinite(sum);
   printf("%-6s X %10.4f  Y %10.4f  Z %10.4f   x %s  y %s\n", label, xyz[0], xyz[1], xyz[2],
-         chroma ? number("%.4f", xyz[0] / sum).c_str() : "-", chroma ? number("%.4f", xyz[1] / sum).c_str() : "-");
+         chroma ? number("%.4f", xyz[0] / sum).c_str() : "-",
+         chroma ? number("%.4f", xyz[1] / sum).c_str() : "-");
 }
 
 // Prints the findings on stderr; true when none refuses the data.
 bool report(const std::string& path, const std::vector<Finding>& findings) {
-  for (const auto& f : findings) fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), f.line().c_str());
+  for (const auto& f : findings)
+    fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), f.line().c_str());
   return !anyRefused(findings);
 }
 
 int print(const std::string& path) {
-  DecodedOdf odf;
+  OpticalDataFile odf;
+  OdfCheck check;
   std::string error;
-  if (!readOdfFile(path, &odf, &error)) {
-    fprintf(stderr, "panelcorvane odf: %s\n", error.c_str());
+  // A CRC failure still prints the values, then refuses them below.
+  if (!readOdfFile(path, odf, check, error) && !(check.whole && !check.crcOk())) {
+    fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), error.c_str());
     return kBadInput;
   }
-  const OdfMeasurements m = measurementsOf(odf.values);
+  OdfValues values;
+  std::copy(std::begin(odf.values), std::end(odf.values), values.v);
+  const OdfMeasurements m = measurementsOf(values);
   printf("%s\n", path.c_str());
   printXyz("red", m.red);
   printXyz("green", m.green);
@@ -76,15 +85,16 @@ int print(const std::string& path) {
     printf("  %4d %10.4f %8s %7s\n", kOdfGreyLevels[k], m.greyY[k], number("%.5f", rel).c_str(),
            number("%.4f", e).c_str());
   }
-  const bool ok = odf.crcOk();
-  printf("crc: stored %#06x computed %#06x %s\n", odf.storedCrc, odf.computedCrc, ok ? "OK" : "MISMATCH");
+  const bool ok = check.crcOk();
+  printf("crc: stored %#06x computed %#06x %s\n", check.stored, check.computed,
+         ok ? "OK" : "MISMATCH");
   fflush(stdout);
   if (!ok) {
-    fprintf(stderr, "panelcorvane odf: %s: checksum mismatch (stored %#06x, computed %#06x)\n", path.c_str(),
-            odf.storedCrc, odf.computedCrc);
+    fprintf(stderr, "panelcorvane odf: %s: checksum mismatch (stored %#06x, computed %#06x)\n",
+            path.c_str(), check.stored, check.computed);
     return kBadInput;
   }
-  return report(path, checkOpticalData(odf.values.v)) ? kOk : kBadInput;
+  return report(path, checkOpticalData(values.v)) ? kOk : kBadInput;
 }
 
 int write(const std::string& out, const std::string* textPath) {

@@ -32,9 +32,12 @@ void add(std::string& o, const char* f, ...) {
 
 const char* sourceMeaning(uint32_t s) {
   switch (s) {
-    case 0: return "panel matched, local data";
-    case 1: return "panel not matched, golden data";
-    case 2: return "panel matched but golden data used; never accepted on reload";
+    case 0:
+      return "panel matched, local data";
+    case 1:
+      return "panel not matched, golden data";
+    case 2:
+      return "panel matched but golden data used; never accepted on reload";
   }
   return "unknown";
 }
@@ -46,7 +49,8 @@ void describeTable(std::string& o, const lut3d_info& lut) {
   uint32_t offGrid = 0;
   for (uint32_t n = 0; n < kEntries; ++n) {
     const auto& e = lut.entries[n];
-    if (e.in[0] != gridCode(n % kGrid) || e.in[1] != gridCode(n / kGrid % kGrid) || e.in[2] != gridCode(n / (kGrid * kGrid)))
+    if (e.in[0] != gridCode(n % kGrid) || e.in[1] != gridCode(n / kGrid % kGrid) ||
+        e.in[2] != gridCode(n / (kGrid * kGrid)))
       ++offGrid;
     for (int c = 0; c < 3; ++c) {
       lo[c] = std::min(lo[c], e.out[c]);
@@ -55,14 +59,15 @@ void describeTable(std::string& o, const lut3d_info& lut) {
     }
   }
   De76Report d = de76Report(lut);
-  add(o, "  header: flags %u, lut3d_id %u, uniform %u, num_entries %u%s\n", lut.flags, lut.lut3d_id, lut.uniform,
-      lut.num_entries, lut.num_entries == kEntries ? "" : " (expected 4913)");
+  add(o, "  header: flags %u, lut3d_id %u, uniform %u, num_entries %u%s\n", lut.flags, lut.lut3d_id,
+      lut.uniform, lut.num_entries, lut.num_entries == kEntries ? "" : " (expected 4913)");
   add(o, "  inputs: %s", offGrid ? "" : "on the device grid\n");
   if (offGrid) add(o, "%u entries off the device grid\n", offGrid);
-  add(o, "  outputs: R %u..%u, G %u..%u, B %u..%u; largest move from the input %lld codes%s\n", lo[0], hi[0],
-      lo[1], hi[1], lo[2], hi[2], static_cast<long long>(maxMove), maxMove == 0 ? " (identity)" : "");
-  add(o, "  dE76 check: %u%% of entries below 50: %s (%zu above 50)\n", d.passPercent, d.pass ? "pass" : "FAIL",
-      d.far.size());
+  add(o, "  outputs: R %u..%u, G %u..%u, B %u..%u; largest move from the input %lld codes%s\n",
+      lo[0], hi[0], lo[1], hi[1], lo[2], hi[2], static_cast<long long>(maxMove),
+      maxMove == 0 ? " (identity)" : "");
+  add(o, "  dE76 check: %u%% of entries below 50: %s (%zu above 50)\n", d.passPercent,
+      d.pass ? "pass" : "FAIL", d.far.size());
 }
 
 // Lists the findings; false (with the first refusal as the reason) when one refuses the data.
@@ -77,17 +82,19 @@ bool inspectOdf(const std::string& path, std::string& o, std::string& error) {
   OpticalDataFile odf{};
   OdfCheck check;
   bool ok = readOdfFile(path, odf, check, error);
-  add(o, "%s: optical data (.odf), %llu bytes%s\n", path.c_str(), static_cast<unsigned long long>(check.fileBytes),
+  add(o, "%s: optical data (.odf), %llu bytes%s\n", path.c_str(),
+      static_cast<unsigned long long>(check.fileBytes),
       check.fileBytes > 510 ? " (only the first 510 are read)" : "");
   if (check.fileBytes < 510) return false;
-  add(o, "CRC: stored 0x%04x, computed 0x%04x: %s\n", check.stored, check.computed, check.crcOk() ? "ok" : "MISMATCH");
+  add(o, "CRC: stored 0x%04x, computed 0x%04x: %s\n", check.stored, check.computed,
+      check.crcOk() ? "ok" : "MISMATCH");
   PanelModel panel(odf);
   static const char* const kNames[4] = {"red", "green", "blue", "white"};
   static const int kAt[4] = {kOdfRedAt, kOdfGreenAt, kOdfBlueAt, kOdfWhiteAt};
   add(o, "           X          Y          Z          x        y\n");
   for (int i = 0; i < 4; ++i)
-    add(o, "%-6s %10.4f %10.4f %10.4f   %.4f   %.4f\n", kNames[i], odf.values[kAt[i]], odf.values[kAt[i] + 1],
-        odf.values[kAt[i] + 2], panel.chroma()[i].x, panel.chroma()[i].y);
+    add(o, "%-6s %10.4f %10.4f %10.4f   %.4f   %.4f\n", kNames[i], odf.values[kAt[i]],
+        odf.values[kAt[i] + 1], odf.values[kAt[i] + 2], panel.chroma()[i].x, panel.chroma()[i].y);
   add(o, "grey ramp:  level        Y   relative   exponent\n");
   const GreyRamp& r = panel.ramp();
   for (int k = GreyRamp::kKnots - 1; k >= 1; --k) {
@@ -103,14 +110,16 @@ bool inspectOdf(const std::string& path, std::string& o, std::string& error) {
 bool inspectCache(const std::string& path, std::string& o, std::string& error) {
   CacheContents c;
   if (!readCacheFile(path, c, error)) {
-    add(o, "%s: table cache, %llu bytes\n", path.c_str(), static_cast<unsigned long long>(c.fileBytes));
+    add(o, "%s: table cache, %llu bytes\n", path.c_str(),
+        static_cast<unsigned long long>(c.fileBytes));
     return false;
   }
-  add(o, "%s: table cache, %llu bytes, %u tables\n", path.c_str(), static_cast<unsigned long long>(c.fileBytes), c.count);
+  add(o, "%s: table cache, %llu bytes, %u tables\n", path.c_str(),
+      static_cast<unsigned long long>(c.fileBytes), c.count);
   add(o, "needs FWVersion=%llu in the property file (the file's length is its only version mark)\n",
       static_cast<unsigned long long>(c.fwVersion()));
-  add(o, "trailer: source %u (%s), panelId %u, paramVersion %u (must equal ParamVersion)\n", c.source,
-      sourceMeaning(c.source), c.panelId, c.paramVersion);
+  add(o, "trailer: source %u (%s), panelId %u, paramVersion %u (must equal ParamVersion)\n",
+      c.source, sourceMeaning(c.source), c.panelId, c.paramVersion);
   add(o, "checksum: stored 0x%08x, computed 0x%08x: %s\n", c.storedCheckSum, c.computedCheckSum,
       c.checkSumOk() ? "ok" : "MISMATCH");
   for (uint32_t k = 0; k < c.count; ++k) {
@@ -118,10 +127,7 @@ bool inspectCache(const std::string& path, std::string& o, std::string& error) {
     describeTable(o, c.tables[k]);
   }
   if (!c.checkSumOk()) {
-    char buf[96];
-    std::snprintf(buf, sizeof buf, "checksum mismatch: stored 0x%08x, computed 0x%08x", c.storedCheckSum,
-                  c.computedCheckSum);
-    error = buf;
+    error = c.checkSumMessage;
     return false;
   }
   return true;
@@ -142,10 +148,13 @@ bool inspectTarget(const std::string& path, std::string& o, std::string& error) 
   int count = 0;
   add(o, "%s: mode target\n", path.c_str());
   if (!readTargetFile(path, t, count, error)) return false;
-  add(o, "%d numbers (%s)\n", count, count >= 20 ? "with gamma-correction parameters" : "without gamma correction");
+  add(o, "%d numbers (%s)\n", count,
+      count >= 20 ? "with gamma-correction parameters" : "without gamma correction");
   static const char* const kColour[4] = {"red", "green", "blue", "white"};
-  for (int i = 0; i < 4; ++i) add(o, "%-6s x %.4f  y %.4f\n", kColour[i], t.values[2 * i], t.values[2 * i + 1]);
-  add(o, "exponent parameter %.5f: signals decode with power %.4f\n", t.values[8], 1.0 / t.values[8]);
+  for (int i = 0; i < 4; ++i)
+    add(o, "%-6s x %.4f  y %.4f\n", kColour[i], t.values[2 * i], t.values[2 * i + 1]);
+  add(o, "exponent parameter %.5f: signals decode with power %.4f\n", t.values[8],
+      1.0 / t.values[8]);
   if (count > 9) {
     o += "gamma correction:";
     for (int i = 9; i < count; ++i) add(o, " [%d] %g", i, t.values[i]);
@@ -162,12 +171,17 @@ bool inspectFile(const std::string& path, std::string& text, std::string& error)
   text.clear();
   FileKind kind = detectKind(path, error);
   switch (kind) {
-    case FileKind::Odf: return inspectOdf(path, text, error);
-    case FileKind::Cache: return inspectCache(path, text, error);
+    case FileKind::Odf:
+      return inspectOdf(path, text, error);
+    case FileKind::Cache:
+      return inspectCache(path, text, error);
     case FileKind::LutText:
-    case FileKind::Cube: return inspectTable(path, kind, text, error);
-    case FileKind::Target: return inspectTarget(path, text, error);
-    case FileKind::Unknown: break;
+    case FileKind::Cube:
+      return inspectTable(path, kind, text, error);
+    case FileKind::Target:
+      return inspectTarget(path, text, error);
+    case FileKind::Unknown:
+      break;
   }
   return false;
 }

@@ -63,20 +63,6 @@ OdfImage encodeOdf(const OdfValues& values) {
   return img;
 }
 
-bool decodeOdf(const uint8_t* bytes, size_t size, DecodedOdf* out, std::string* error) {
-  if (size < kOdfBytes) {
-    return fail(error, std::to_string(size) + " bytes, an optical data file holds 510");
-  }
-  for (int i = 0; i < kOdfFloats; ++i) {
-    uint32_t bits = 0;
-    for (int b = 0; b < 4; ++b) bits |= static_cast<uint32_t>(bytes[4 * i + b]) << (8 * b);
-    std::memcpy(&out->values.v[i], &bits, 4);
-  }
-  out->storedCrc = static_cast<uint16_t>(bytes[508] | (bytes[509] << 8));
-  out->computedCrc = crcOf(bytes);
-  return true;
-}
-
 bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, std::string* error) {
   OdfMeasurements m;
   bool haveXyz[4] = {}, haveGrey[7] = {};
@@ -122,7 +108,8 @@ bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, s
       haveGrey[slot] = true;
       m.greyY[slot] = nums[1];
     } else if (key == "value") {
-      if (nums.size() != 2 || nums[0] != std::floor(nums[0]) || nums[0] < 0 || nums[0] >= kOdfFloats)
+      if (nums.size() != 2 || nums[0] != std::floor(nums[0]) || nums[0] < 0 ||
+          nums[0] >= kOdfFloats)
         return bad("'value' needs INDEX (0..126) NUMBER");
       raw.emplace_back(static_cast<int>(nums[0]), static_cast<float>(nums[1]));
     } else {
@@ -144,19 +131,8 @@ bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, s
 bool writeOdfFile(const std::string& path, const OdfValues& values, std::string* error) {
   const OdfImage img = encodeOdf(values);
   std::string why;
-  if (!writeWholeFile(path, std::string(img.begin(), img.end()), why)) return fail(error, path + ": " + why);
-  return true;
-}
-
-bool readOdfFile(const std::string& path, DecodedOdf* out, std::string* error) {
-  std::string why;
-  if (!checkInputFile(path, why)) return fail(error, path + ": " + why);
-  std::ifstream f(path, std::ios::binary);
-  if (!f) return fail(error, path + ": cannot open");
-  uint8_t buf[kOdfBytes];
-  f.read(reinterpret_cast<char*>(buf), kOdfBytes);
-  const size_t got = static_cast<size_t>(f.gcount());
-  if (!decodeOdf(buf, got, out, &why)) return fail(error, path + ": " + why);
+  if (!writeWholeFile(path, std::string(img.begin(), img.end()), why))
+    return fail(error, path + ": " + why);
   return true;
 }
 

@@ -1,7 +1,6 @@
-// Optical data (.odf) images for host tools: 510 bytes, little-endian, 127 floats then the
-// CRC-16/CCITT-FALSE of bytes 0-507. Positions the plugin reads: white XYZ 4-6, grey-ramp
-// luminance at 5 + 6k for grey level 4095 - 512k (k = 0..7, k = 0 being white), green XYZ
-// 82-84, red XYZ 106-108, blue XYZ 118-120. Every other position is carried unread.
+// Optical data (.odf) images for host tools: the plugin's layout (frontend/OdfLayout.h) filled
+// from measurements and written with its CRC. Reading one is the plugin's reader's job
+// (frontend/OdfReader.h, through CalibrationFiles.h).
 //
 // Measurement text format (for `odf write`), one item per line, '#' starts a comment line:
 //   red   X Y Z
@@ -33,11 +32,13 @@ constexpr int kOdfRedAt = snapdragoncolor::odf::kRedXyzAt;
 constexpr int kOdfGreenAt = snapdragoncolor::odf::kGreenXyzAt;
 constexpr int kOdfBlueAt = snapdragoncolor::odf::kBlueXyzAt;
 constexpr int kOdfWhiteAt = snapdragoncolor::odf::kWhiteXyzAt;
-inline int odfGreyYAt(int greyIndex) { return snapdragoncolor::odf::greyLuminanceAt(greyIndex + 1); }
+inline int odfGreyYAt(int greyIndex) {
+  return snapdragoncolor::odf::greyLuminanceAt(greyIndex + 1);
+}
 
 struct OdfMeasurements {
   double red[3] = {}, green[3] = {}, blue[3] = {}, white[3] = {};  // XYZ
-  double greyY[7] = {};  // luminance at kOdfGreyLevels
+  double greyY[7] = {};                                            // luminance at kOdfGreyLevels
 };
 
 struct OdfValues {
@@ -50,20 +51,10 @@ OdfMeasurements measurementsOf(const OdfValues& values);
 // The little-endian image with its checksum.
 OdfImage encodeOdf(const OdfValues& values);
 
-struct DecodedOdf {
-  OdfValues values;
-  uint16_t storedCrc = 0;
-  uint16_t computedCrc = 0;
-  bool crcOk() const { return storedCrc == computedCrc; }
-};
-// False (with a reason) when fewer than 510 bytes are given; extra bytes are ignored.
-bool decodeOdf(const uint8_t* bytes, size_t size, DecodedOdf* out, std::string* error);
-
 // Parses the measurement text format above; `source` names the input in error messages
 // ("SOURCE:LINE: reason").
 bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, std::string* error);
 
 bool writeOdfFile(const std::string& path, const OdfValues& values, std::string* error);
-bool readOdfFile(const std::string& path, DecodedOdf* out, std::string* error);
 
 }  // namespace pctool

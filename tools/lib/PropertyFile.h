@@ -1,8 +1,6 @@
-// The device's property file (/odm/etc/PanelCorvane/panelcorvane) read the plugin's way, for
-// the workbench: lines end at a line feed (text after the last one is ignored), '#' starts a
-// comment line, the key is everything before the first '=', nothing is trimmed, the first
-// occurrence of a key wins. Keys that are not switches are display names; their value chooses
-// the panel: 100..199 the secondary, anything else the primary.
+// The device's property file (/odm/etc/PanelCorvane/panelcorvane) for the workbench, read by
+// the plugin's own reader (config/PropertyReader.h). Keys that are not switches are display
+// names; their value chooses the panel: 100..199 the secondary, anything else the primary.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +9,17 @@
 #include <utility>
 #include <vector>
 
-namespace pctool {
+#include "config/PropertyReader.h"
 
-constexpr size_t kMaxPropertyBytes = 64 * 1024;
+namespace pctool {
 
 class PropertyFile {
  public:
-  // False with a reason when the file is missing or larger than kMaxPropertyBytes.
+  // False with a reason when the file is missing or larger than the reader takes.
   bool load(const std::string& hostPath, std::string& error);
 
   bool has(const std::string& key) const { return mEntries.count(key) != 0; }
-  // The value read as atoi would, or `def` when the key is missing.
+  // The value read as the plugin reads it, or `def` when the key is missing.
   int intOr(const std::string& key, int def) const;
   // Display names with their panel index, in file order.
   const std::vector<std::pair<std::string, uint32_t>>& displayNames() const { return mNames; }
@@ -29,10 +27,15 @@ class PropertyFile {
   uint32_t panelOf(const std::string& name) const;
   // "A, B" for messages.
   std::string namesText() const;
+  // The first line the plugin skips or reads in a way its author likely did not mean.
+  const snapdragoncolor::ReadDiagnosis<snapdragoncolor::PropertyProblem>& diagnosis() const {
+    return mDiagnosis;
+  }
 
  private:
   std::map<std::string, std::string> mEntries;
   std::vector<std::pair<std::string, uint32_t>> mNames;
+  snapdragoncolor::ReadDiagnosis<snapdragoncolor::PropertyProblem> mDiagnosis;
 };
 
 }  // namespace pctool

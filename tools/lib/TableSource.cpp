@@ -8,7 +8,7 @@
 #include <fstream>
 
 #include "backend/LutTextFile.h"
-#include "cache/Lut3DCacheManager.h"
+#include "cache/CacheFileReader.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/FileAccess.h"
@@ -16,7 +16,6 @@
 namespace pctool {
 
 using snapdragoncolor::lut3d_info;
-using snapdragoncolor::Lut3DCacheManager;
 
 namespace {
 
@@ -35,15 +34,10 @@ std::string extension(const std::string& path) {
   return ext;
 }
 
-std::string hex32(uint32_t v) {
-  char buf[16];
-  std::snprintf(buf, sizeof buf, "0x%08x", v);
-  return buf;
-}
-
 bool isCubeKeyword(const std::string& tok) {
-  static const char* const kWords[] = {"TITLE", "LUT_3D_SIZE", "LUT_1D_SIZE", "DOMAIN_MIN", "DOMAIN_MAX",
-                                       "LUT_3D_INPUT_RANGE", "LUT_1D_INPUT_RANGE"};
+  static const char* const kWords[] = {
+      "TITLE",      "LUT_3D_SIZE",        "LUT_1D_SIZE",       "DOMAIN_MIN",
+      "DOMAIN_MAX", "LUT_3D_INPUT_RANGE", "LUT_1D_INPUT_RANGE"};
   for (const char* w : kWords)
     if (tok == w) return true;
   return false;
@@ -67,20 +61,20 @@ bool slurp(const std::string& path, size_t limit, std::string& out, std::string&
 
 const char* kindName(FileKind kind) {
   switch (kind) {
-    case FileKind::Odf: return "optical data (.odf)";
-    case FileKind::Cache: return "table cache";
-    case FileKind::LutText: return "LUT text file";
-    case FileKind::Cube: return ".cube table";
-    case FileKind::Target: return "mode target";
-    case FileKind::Unknown: break;
+    case FileKind::Odf:
+      return "optical data (.odf)";
+    case FileKind::Cache:
+      return "table cache";
+    case FileKind::LutText:
+      return "LUT text file";
+    case FileKind::Cube:
+      return ".cube table";
+    case FileKind::Target:
+      return "mode target";
+    case FileKind::Unknown:
+      break;
   }
   return "unknown";
-}
-
-uint32_t cacheTableCount(uint64_t fileBytes) {
-  for (uint32_t n = 1; n <= kMaxCacheTables; ++n)
-    if (Lut3DCacheManager::fileSizeFor(n) == fileBytes) return n;
-  return 0;
 }
 
 FileKind detectKind(const std::string& path, std::string& error) {
@@ -133,7 +127,8 @@ FileKind detectKind(const std::string& path, std::string& error) {
       bool digits = !tok.empty(), number = !tok.empty();
       for (char c : tok) {
         if (!std::isdigit(static_cast<unsigned char>(c))) digits = false;
-        if (!std::isdigit(static_cast<unsigned char>(c)) && !std::strchr("+-.eE", c)) number = false;
+        if (!std::isdigit(static_cast<unsigned char>(c)) && !std::strchr("+-.eE", c))
+          number = false;
       }
       if (tokens == 1) firstWhole = digits;
       whole += digits ? 1 : 0;
@@ -157,29 +152,33 @@ bool readCacheFile(const std::string& path, CacheContents& out, std::string& err
     error = "cannot open: " + std::string(std::strerror(errno));
     return false;
   }
-  out = CacheContents{};
-  out.fileBytes = static_cast<uint64_t>(in.tellg());
-  out.count = cacheTableCount(out.fileBytes);
-  if (out.count == 0) {
-    error = "wrong size: " + std::to_string(out.fileBytes) +
-            " bytes; a table cache has 16 + N x 117928 bytes (707584 for 6 tables, 943440 for 8)";
+  // Only a length some table count fits is read; anything else is refused unread.
+  const uint64_t size = static_cast<uint64_t>(in.tellg());
+  std::string bytes;
+  if (cacheTableCount(size) > 0) {
+    in.seekg(0);
+    bytes.assign(static_cast<size_t>(size), '\0');
+    in.read(&bytes[0], static_cast<std::streamsize>(size));
+    bytes.resize(static_cast<size_t>(in.gcount()));
+  }
+  const uint8_t* data = reinterpret_cast<const uint8_t*>(bytes.data());
+  const snapdragoncolor::CacheRead read =
+      bytes.empty() ? snapdragoncolor::readCacheImage(nullptr, size, out.tables)
+                    : snapdragoncolor::readCacheImage(data, bytes.size(), out.tables);
+  out.fileBytes = size;
+  if (read.diagnosis.problem == snapdragoncolor::CacheProblem::WrongLength ||
+      read.diagnosis.problem == snapdragoncolor::CacheProblem::Truncated) {
+    error = read.diagnosis.message;
+    out.tables.clear();
     return false;
   }
-  in.seekg(0);
-  out.tables.resize(out.count);
-  uint32_t trailer[4];
-  in.read(reinterpret_cast<char*>(out.tables.data()), static_cast<std::streamsize>(out.count * sizeof(lut3d_info)));
-  in.read(reinterpret_cast<char*>(trailer), sizeof trailer);
-  if (!in) {
-    error = "read failed";
-    return false;
-  }
-  out.source = trailer[0];
-  out.panelId = trailer[1];
-  out.paramVersion = trailer[2];
-  out.storedCheckSum = trailer[3];
-  out.computedCheckSum =
-      Lut3DCacheManager::checkSum(out.tables.data(), out.count, out.source, out.panelId, out.paramVersion);
+  out.count = read.count;
+  out.source = read.trailer.source;
+  out.panelId = read.trailer.panelId;
+  out.paramVersion = read.trailer.paramVersion;
+  out.storedCheckSum = read.trailer.checkSum;
+  out.computedCheckSum = read.computedCheckSum;
+  out.checkSumMessage = read.diagnosis.message;
   return true;
 }
 
@@ -188,72 +187,17 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
   using snapdragoncolor::LutTextFile;
   check = LutTextCheck{};
   std::string text;
-  if (!slurp(path, kMaxLutTextBytes, text, error)) return false;
-  if (text.size() > kMaxLutTextBytes) {
-    error = "too large for a LUT text file (over " + std::to_string(kMaxLutTextBytes >> 20) + " MiB)";
-    return false;
-  }
-  size_t line = 1, i = 0;
-  std::vector<uint32_t> entryLine(kEntries, 0);  // where each entry starts, for the order check
-  while (i < text.size()) {
-    char c = text[i];
-    if (std::isspace(static_cast<unsigned char>(c))) {
-      if (c == '\n') ++line;
-      ++i;
-      continue;
-    }
-    size_t end = i;
-    while (end < text.size() && !std::isspace(static_cast<unsigned char>(text[end]))) ++end;
-    // Only the numbers the plugin reads must be codes; anything after them is ignored, as there.
-    if (check.values < static_cast<uint32_t>(LutTextFile::kValueCount)) {
-      if (check.values % LutTextFile::kValuesPerEntry == 0)
-        entryLine[check.values / LutTextFile::kValuesPerEntry] = static_cast<uint32_t>(line);
-      std::string tok = text.substr(i, end - i);
-      bool digits = true;
-      for (char d : tok) digits = digits && std::isdigit(static_cast<unsigned char>(d));
-      if (!digits) {
-        error = "line " + std::to_string(line) + " malformed: '" + tok.substr(0, 20) + "' is not a 12-bit code";
-        return false;
-      }
-      if (tok.size() > 4 || std::stoul(tok) > 4095) {
-        error = "line " + std::to_string(line) + " malformed: " + tok.substr(0, 20) + " is above 4095";
-        return false;
-      }
-    }
-    ++check.values;
-    i = end;
-  }
-  if (check.values < static_cast<uint32_t>(LutTextFile::kValueCount)) {
-    error = "not a LUT: " + std::to_string(check.values) + " of 29478 numbers";
-    return false;
-  }
-  std::memset(&lut, 0, sizeof lut);
-  int got = LutTextFile::readFile(path.c_str(), &lut);
-  if (got < LutTextFile::kValueCount) {
-    error = "read failed after " + std::to_string(got < 0 ? 0 : got) + " numbers";
+  if (!slurp(path, LutTextFile::kMaxBytes, text, error)) return false;
+  const snapdragoncolor::LutTextRead read = LutTextFile::parse(text.data(), text.size(), &lut);
+  check.values = read.tokens;
+  if (!read.diagnosis.ok()) {
+    error = read.diagnosis.message;
     return false;
   }
   lut.flags = 0;
   lut.lut3d_id = lutId;
   lut.uniform = 1;
   lut.num_entries = kEntries;
-  // The plugin takes entries as they come; a file in another order would put every output on
-  // the wrong node without a word, so the inputs must be the device grid in entry order.
-  for (uint32_t n = 0; n < kEntries; ++n) {
-    const auto& e = lut.entries[n];
-    const uint32_t want[3] = {gridCode(n % kGrid), gridCode(n / kGrid % kGrid), gridCode(n / (kGrid * kGrid))};
-    if (e.in[0] == want[0] && e.in[1] == want[1] && e.in[2] == want[2]) continue;
-    char buf[240];
-    std::snprintf(buf, sizeof buf,
-                  "entries out of order: entry %u (line %u) has inputs %u %u %u, expected %u %u %u "
-                  "(red fastest: entry n = 289 b + 17 g + r)",
-                  n, entryLine[n], e.in[0], e.in[1], e.in[2], want[0], want[1], want[2]);
-    error = buf;
-    const auto& second = lut.entries[1];
-    if (second.in[0] == 0 && second.in[1] == 0 && second.in[2] == gridCode(1))
-      error += "; the file lists blue fastest";
-    return false;
-  }
   return true;
 }
 
@@ -266,8 +210,7 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       CacheContents cache;
       if (!readCacheFile(path, cache, error)) return false;
       if (!cache.checkSumOk()) {
-        error = "checksum mismatch: stored " + hex32(cache.storedCheckSum) + ", computed " +
-                hex32(cache.computedCheckSum);
+        error = cache.checkSumMessage;
         return false;
       }
       for (uint32_t k = 0; k < cache.count; ++k) {
@@ -287,7 +230,8 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       LutTextCheck check;
       if (!readLutText(path, *t.lut, 0, check, error)) return false;
       if (check.values > static_cast<uint32_t>(snapdragoncolor::LutTextFile::kValueCount))
-        t.notes.push_back(std::to_string(check.values - 29478) + " numbers after the 29478th are ignored");
+        t.notes.push_back(std::to_string(check.values - 29478) +
+                          " numbers after the 29478th are ignored");
       out.push_back(std::move(t));
       return true;
     }
@@ -298,7 +242,8 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       t.lut = std::make_shared<lut3d_info>();
       CubeReadInfo info;
       if (!CubeFile::readFile(path, *t.lut, 0, info, error)) return false;
-      if (info.clamped > 0) t.notes.push_back(std::to_string(info.clamped) + " values outside 0..1 were clamped");
+      if (info.clamped > 0)
+        t.notes.push_back(std::to_string(info.clamped) + " values outside 0..1 were clamped");
       if (!info.title.empty()) t.label += " (\"" + info.title + "\")";
       out.push_back(std::move(t));
       return true;

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "cache/CacheFileReader.h"
 #include "snapdragoncolor/sc_color_records.h"
 #include "tools/lib/CubeFile.h"
 
@@ -20,8 +21,7 @@ namespace pctool {
 enum class FileKind { Unknown, Odf, Cache, LutText, Cube, Target };
 const char* kindName(FileKind kind);
 
-constexpr uint32_t kMaxCacheTables = 8;
-constexpr size_t kMaxLutTextBytes = 4u << 20;
+using snapdragoncolor::cacheTableCount;  // the table count for a cache length, 0 when none fits
 
 // Recognises `path`. Unknown comes with a reason in `error` ("not a LUT: ...", "cannot open").
 FileKind detectKind(const std::string& path, std::string& error);
@@ -32,23 +32,25 @@ struct CacheContents {
   uint32_t source = 0, panelId = 0, paramVersion = 0;
   uint32_t storedCheckSum = 0, computedCheckSum = 0;
   std::vector<snapdragoncolor::lut3d_info> tables;
+  std::string checkSumMessage;  // "checksum mismatch: stored 0x..., computed 0x..." when it is
   bool checkSumOk() const { return storedCheckSum == computedCheckSum; }
   // The FWVersion a device needs to accept this file: its length.
   uint64_t fwVersion() const { return fileBytes; }
 };
 
-// Reads a whole cache file. False on a wrong length or a read failure; a checksum mismatch is
-// not a failure here (see checkSumOk), so inspect can still show the contents.
+// Reads a whole cache file with the plugin's reader. False on a wrong length or a short read; a
+// checksum mismatch is not a failure here (see checkSumOk), so inspect can still show the
+// contents.
 bool readCacheFile(const std::string& path, CacheContents& out, std::string& error);
 
 struct LutTextCheck {
   uint32_t values = 0;  // numbers in the file (only the first 29478 are used)
 };
 
-// Reads a LUT text file as the plugin would, after checking that every token is a code of
-// 0..4095 ("line N malformed: ...") and that there are at least 29478 of them; then refuses a
-// file whose inputs are not the device grid in entry order (red fastest), naming the first
-// wrong entry, its line and the inputs expected there.
+// Reads a LUT text file with the plugin's reader and refuses it on the first problem that reader
+// finds: a token that is no code of 0..4095 ("line N malformed: ..."), fewer than 29478 numbers,
+// or inputs that are not the device grid in entry order (red fastest), naming the first wrong
+// entry, its line and the inputs expected there.
 bool readLutText(const std::string& path, snapdragoncolor::lut3d_info& lut, uint32_t lutId,
                  LutTextCheck& check, std::string& error);
 
@@ -68,8 +70,5 @@ std::string lutTextImage(const snapdragoncolor::lut3d_info& lut);
 
 // Loads table `index` of a cache (any index > 0 of a single-table file is an error).
 bool loadTable(const std::string& path, int index, LoadedTable& out, std::string& error);
-
-// The cache's total length for N tables, and N for a length (0 when no N fits).
-uint32_t cacheTableCount(uint64_t fileBytes);
 
 }  // namespace pctool

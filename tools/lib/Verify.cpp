@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/Algorithm.h"
 #include "base/PanelCorvaneBase.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/LutApply.h"
@@ -11,15 +10,13 @@
 
 namespace pctool {
 
-using snapdragoncolor::Algorithm;
 using snapdragoncolor::lut3d_info;
 
 namespace {
 
-float unit(uint32_t code) { return static_cast<float>(code / 4095.0); }
-
 Lab srgbCodeLab(const uint32_t (&c)[3]) {
-  Xyz x = linearSrgbToXyz(srgbDecode(c[0] / kFullScale), srgbDecode(c[1] / kFullScale), srgbDecode(c[2] / kFullScale));
+  Xyz x = linearSrgbToXyz(srgbDecode(c[0] / kFullScale), srgbDecode(c[1] / kFullScale),
+                          srgbDecode(c[2] / kFullScale));
   return xyzToLab(x, kD65);
 }
 
@@ -39,25 +36,6 @@ PredictionSummary summarise(const std::vector<ColourPrediction>& v) {
 
 }  // namespace
 
-De76Report de76Report(const lut3d_info& lut) {
-  De76Report r;
-  for (uint32_t i = 0; i < kEntries; ++i) {
-    const auto& e = lut.entries[i];
-    // Same arithmetic and binning as the plugin's check, so the figures match its log.
-    const float d = Algorithm::DeltaE76(unit(e.in[0]), unit(e.in[1]), unit(e.in[2]), unit(e.out[0]),
-                                        unit(e.out[1]), unit(e.out[2]));
-    if (d > 50.0) r.far.push_back({i, {e.in[0], e.in[1], e.in[2]}, {e.out[0], e.out[1], e.out[2]}, d});
-    const double tens = d / 10.0;
-    const int bin = tens < 9 ? static_cast<int>(tens) : 9;
-    ++r.bins[bin < 0 ? 0 : bin];
-  }
-  uint32_t below = 0;
-  for (int k = 0; k < 5; ++k) below += r.bins[k];
-  r.passPercent = below * 100 / kEntries;
-  r.pass = below * 100 >= 393040;
-  return r;
-}
-
 De2000Stats de2000Stats(const lut3d_info& lut) {
   De2000Stats s;
   std::vector<NodeDe> all;
@@ -76,7 +54,8 @@ De2000Stats de2000Stats(const lut3d_info& lut) {
   // Nearest-rank 95th percentile.
   s.p95 = sorted[static_cast<size_t>(std::ceil(0.95 * kEntries)) - 1];
   s.max = sorted.back();
-  std::stable_sort(all.begin(), all.end(), [](const NodeDe& a, const NodeDe& b) { return a.de > b.de; });
+  std::stable_sort(all.begin(), all.end(),
+                   [](const NodeDe& a, const NodeDe& b) { return a.de > b.de; });
   all.resize(10);
   s.worst = std::move(all);
   return s;
@@ -84,13 +63,15 @@ De2000Stats de2000Stats(const lut3d_info& lut) {
 
 std::vector<ReferenceColour> referenceColours() {
   static const char* const kNames[21] = {
-      "white",  "grey 224",    "grey 192", "grey 160",   "grey 128", "grey 96",    "grey 64",
-      "grey 32", "black",      "yellow",   "dark yellow", "cyan",    "dark cyan",  "green",
-      "dark green", "magenta", "dark magenta", "red",    "dark red", "blue",       "dark blue"};
+      "white",     "grey 224", "grey 192",   "grey 160", "grey 128",     "grey 96",
+      "grey 64",   "grey 32",  "black",      "yellow",   "dark yellow",  "cyan",
+      "dark cyan", "green",    "dark green", "magenta",  "dark magenta", "red",
+      "dark red",  "blue",     "dark blue"};
   snapdragoncolor::PanelCorvaneBase base;  // owns the plugin's reference colour table
   std::vector<ReferenceColour> out;
   for (int i = 0; i < snapdragoncolor::PanelCorvaneBase::kNumRefColors; ++i)
-    out.push_back({kNames[i], {base.mRefColors[i][0], base.mRefColors[i][1], base.mRefColors[i][2]}});
+    out.push_back(
+        {kNames[i], {base.mRefColors[i][0], base.mRefColors[i][1], base.mRefColors[i][2]}});
   return out;
 }
 
@@ -101,8 +82,8 @@ std::vector<uint32_t> greyRampLevels() {
   return v;
 }
 
-bool predict(const lut3d_info& lut, const OpticalDataFile& odf, const TargetParm& target, Prediction& out,
-             std::string& error) {
+bool predict(const lut3d_info& lut, const OpticalDataFile& odf, const TargetParm& target,
+             Prediction& out, std::string& error) {
   out = Prediction{};
   PanelModel panel(odf);
   TargetModel goal(target);
@@ -132,7 +113,8 @@ bool predict(const lut3d_info& lut, const OpticalDataFile& odf, const TargetParm
     c.deUncalibrated = ciede2000(c.target, raw);
     return c;
   };
-  for (const auto& rc : referenceColours()) out.reference.push_back(one(rc.name, rc.rgb[0], rc.rgb[1], rc.rgb[2]));
+  for (const auto& rc : referenceColours())
+    out.reference.push_back(one(rc.name, rc.rgb[0], rc.rgb[1], rc.rgb[2]));
   for (uint32_t g : greyRampLevels()) out.grey.push_back(one("grey " + std::to_string(g), g, g, g));
   out.referenceSummary = summarise(out.reference);
   out.greySummary = summarise(out.grey);

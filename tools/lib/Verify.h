@@ -8,25 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "base/De76Report.h"
 #include "snapdragoncolor/sc_color_records.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/Ciede2000.h"
 
 namespace pctool {
 
-// The figures check3DLut logs: entries are read as linear sRGB (code / 4095), dE76 per entry.
-struct De76Report {
-  struct Far {
-    uint32_t index;
-    uint32_t in[3], out[3];
-    float d;
-  };
-  uint32_t bins[10] = {};   // bin k: dE in [10k, 10k + 10); bin 9 from 90 up
-  uint32_t passPercent = 0; // entries below 50, in whole percent (truncated)
-  bool pass = false;        // at least 80 % below 50
-  std::vector<Far> far;     // entries above 50
-};
-De76Report de76Report(const snapdragoncolor::lut3d_info& lut);
+// The figures check3DLut logs, from the plugin's own binning.
+using De76Report = snapdragoncolor::De76Report;
+using snapdragoncolor::de76Report;
 
 // CIEDE2000 between input and output of every entry, both read as sRGB-encoded signals
 // (code / 4095), D65 white.
@@ -47,7 +38,7 @@ struct ColourPrediction {
   uint32_t rgb[3];
   double outCodes[3];  // the table's output (trilinear on the device grid)
   Lab target, predicted;
-  double de;            // CIEDE2000, calibrated panel against target
+  double de;              // CIEDE2000, calibrated panel against target
   double deUncalibrated;  // the same panel without the table
 };
 struct PredictionSummary {
@@ -60,8 +51,8 @@ struct Prediction {
   double targetDecodeExponent = 0;
 };
 // False with a reason when the panel's primaries or the target are unusable.
-bool predict(const snapdragoncolor::lut3d_info& lut, const OpticalDataFile& odf, const TargetParm& target,
-             Prediction& out, std::string& error);
+bool predict(const snapdragoncolor::lut3d_info& lut, const OpticalDataFile& odf,
+             const TargetParm& target, Prediction& out, std::string& error);
 
 // The 21 reference colours of the plugin and their names.
 struct ReferenceColour {
