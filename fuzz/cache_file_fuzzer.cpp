@@ -4,6 +4,9 @@
 // version), then the file.
 #include <mutex>
 
+#include <vector>
+
+#include "cache/CacheFileReader.h"
 #include "cache/Lut3DCacheManager.h"
 #include "fuzz/support/FuzzSupport.h"
 
@@ -20,6 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const bool cmDebug = (data[0] & 2) != 0;
   const bool matched = (data[0] & 4) != 0;
   const unsigned paramVersion = (data[0] >> 3) & 3;
+  // The shared reader from memory, as the workbench reads a cache.
+  std::vector<snapdragoncolor::lut3d_info> read;
+  snapdragoncolor::readCacheImage(data + 1, size - 1, read);
+
   pcfuzz::writeDeviceFile(Lut3DCacheManager::cachePath(panel), data + 1, size - 1);
 
   std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(panel));

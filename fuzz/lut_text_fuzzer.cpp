@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "backend/LutTextFile.h"
 #include "backend/PanelCorvaneBE.h"
 #include "base/Algorithm.h"
 #include "base/PanelCorvaneBase.h"
@@ -32,6 +33,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   const int hook = data[0] & 3;
   const bool debugTable = (data[0] & 4) != 0;
+  {
+    // The shared reader on its own, with its diagnosis (entry order included).
+    auto lut = std::make_unique<lut3d_info>();
+    LutTextFile::parse(reinterpret_cast<const char*>(data + 1), size - 1, lut.get());
+  }
   pcfuzz::resetSharedState();
   PanelCorvaneBase::sDebug = (data[0] & 8) != 0 ? 0x03 : 0;
   pcfuzz::writeDeviceFile(kHookFiles[hook], data + 1, size - 1);

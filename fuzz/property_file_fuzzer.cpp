@@ -4,6 +4,7 @@
 #include <string>
 
 #include "config/Prop.h"
+#include "config/PropertyReader.h"
 #include "fuzz/support/FuzzSupport.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -15,6 +16,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string content(reinterpret_cast<const char*>(data), size);
   const size_t lastLine = content.rfind('\n');
   const std::string tail = content.substr(lastLine == std::string::npos ? 0 : lastLine + 1, 300);
+
+  // The shared reader on its own: its diagnosis and the number rules on every value it kept.
+  const snapdragoncolor::PropertyRead read = snapdragoncolor::readProperties(content);
+  for (const auto& entry : read.accepted) {
+    snapdragoncolor::propertyInt(entry.value);
+    snapdragoncolor::panelIndexOf(entry.value);
+  }
 
   snapdragoncolor::Prop prop;
   prop.parsePropertyFile(content);
