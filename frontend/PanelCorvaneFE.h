@@ -37,7 +37,7 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   int readTargetParm(TargetParm& target, const char* path);
   int readODFCheck(const char* path, ODFErrorCheck* check);
 
-  // Colour-space arithmetic.
+  // Colour-space arithmetic (ColorMath.h) with the log lines of the matrix steps.
   void RGB2XYZ_Matrix(float (*xy)[2], float (*m)[3]);
   void inverseMatrix(float (*src)[3], float (*dst)[3]);
   // 12-bit sRGB codes in, 12-bit sRGB codes out.
@@ -52,11 +52,13 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   void initPreCalLutRGB(float (*m)[3]);
   unsigned max(unsigned a, unsigned b, unsigned c);
 
-  // Grey-level remapping tables of 4096 entries (intermediate and final target parameters).
+  // Grey-level remapping tables of 4096 entries (GammaTable.h), intermediate and final target
+  // parameters; the intermediate pass logs and dumps.
   void GammaCorrection(OpticalDataFile odf, TargetParm target, unsigned int* table);
   void GammaCorrectionFinal(OpticalDataFile odf, TargetParm target, unsigned int* table);
 
-  // One 17x17x17 table for one mode; `index` only names the debug dump files.
+  // One 17x17x17 table for one mode (Lut3dGeneration.h); `index` only names the debug dump files.
+  // Reads the gamma-correction switch and the log mask; needs no initPreCalLut3D before it.
   void generateLut3D(OpticalDataFile& odf, TargetParm& target, lut3d_info* lut, int index);
 
   // The property "inParam100nits", fetched once per process by the first generation that finds
@@ -64,6 +66,7 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   static std::atomic<int> sIn100nits;
 
   // Linear light of each grid level, then each conversion-matrix element times it (17m + i).
+  // Only the grid operations above use them; table generation keeps its own per call.
   float preCalLut3D[kGridLevels];
   float preCalLutRGB[9 * kGridLevels];
 
@@ -71,10 +74,6 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   // Shared by GammaCorrection (verbose lines and dump) and GammaCorrectionFinal (silent).
   void buildGammaTable(const OpticalDataFile& odf, const TargetParm& target, bool final,
                        unsigned int* table);
-  // Recomputes one node from its input codes through the 2.2 decode and remaps it by `table`.
-  void protectNode(lut3d_info* lut, unsigned r, unsigned g, unsigned b, float (*m)[3], float p,
-                   const unsigned int* table);
-
   std::string displayName() const;
 
   PanelCorvaneBase* mOwner;
