@@ -71,6 +71,12 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   float preCalLutRGB[9 * kGridLevels];
 
  private:
+  // The steps of generateCfgFile. readOpticalData: 0 local, 1 golden, -1 neither could be read.
+  static void fetch100nitsSwitch();
+  void readTargets(const std::string& name, bool use100nits, TargetParm* targets, bool* read);
+  int readOpticalData(int match, const std::string& name, OpticalDataFile* odf);
+  void recordSource(int match, bool golden);
+
   // Shared by GammaCorrection (verbose lines and dump) and GammaCorrectionFinal (silent).
   void buildGammaTable(const OpticalDataFile& odf, const TargetParm& target, bool final,
                        unsigned int* table);
