@@ -8,10 +8,12 @@
 // logs, touches a file or keeps state between calls.
 #pragma once
 
+#include "snapdragoncolor/sc_color_records.h"
+
 namespace snapdragoncolor {
 namespace fe {
 
-constexpr int kGridLevels = 17;
+constexpr int kGridLevels = (int)kLut3dGridSize;
 
 // Row-major: m[r][c]; row r of a conversion matrix gives output channel r.
 struct Mat3 {

@@ -11,14 +11,16 @@
 #include <string>
 
 #include "base/PanelCorvaneBase.h"
+#include "frontend/ColorMath.h"
+#include "frontend/GammaTable.h"
 #include "snapdragoncolor/sc_color_records.h"
 
 namespace snapdragoncolor {
 
 class PanelCorvaneFE : public PanelCorvaneBase {
  public:
-  static constexpr int kGridLevels = 17;
-  static constexpr int kGammaSize = 4096;
+  static constexpr int kGridLevels = fe::kGridLevels;
+  static constexpr int kGammaSize = fe::kGammaSize;
 
   // `owner` is the plugin object that created this front end (not owned); its display name
   // names the golden and target files.
