@@ -11,14 +11,16 @@
 #include <string>
 
 #include "base/PanelCorvaneBase.h"
+#include "frontend/ColorMath.h"
+#include "frontend/GammaTable.h"
 #include "snapdragoncolor/sc_color_records.h"
 
 namespace snapdragoncolor {
 
 class PanelCorvaneFE : public PanelCorvaneBase {
  public:
-  static constexpr int kGridLevels = 17;
-  static constexpr int kGammaSize = 4096;
+  static constexpr int kGridLevels = fe::kGridLevels;
+  static constexpr int kGammaSize = fe::kGammaSize;
 
   // `owner` is the plugin object that created this front end (not owned); its display name
   // names the golden and target files.
@@ -35,9 +37,10 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   // Optical data, target and error-check files.
   int readODF(OpticalDataFile& odf, const char* path);
   int readTargetParm(TargetParm& target, const char* path);
+  // Kept for the interface; nothing calls it.
   int readODFCheck(const char* path, ODFErrorCheck* check);
 
-  // Colour-space arithmetic.
+  // Colour-space arithmetic (ColorMath.h) with the log lines of the matrix steps.
   void RGB2XYZ_Matrix(float (*xy)[2], float (*m)[3]);
   void inverseMatrix(float (*src)[3], float (*dst)[3]);
   // 12-bit sRGB codes in, 12-bit sRGB codes out.
@@ -52,11 +55,13 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   void initPreCalLutRGB(float (*m)[3]);
   unsigned max(unsigned a, unsigned b, unsigned c);
 
-  // Grey-level remapping tables of 4096 entries (intermediate and final target parameters).
+  // Grey-level remapping tables of 4096 entries (GammaTable.h), intermediate and final target
+  // parameters; the intermediate pass logs and dumps.
   void GammaCorrection(OpticalDataFile odf, TargetParm target, unsigned int* table);
   void GammaCorrectionFinal(OpticalDataFile odf, TargetParm target, unsigned int* table);
 
-  // One 17x17x17 table for one mode; `index` only names the debug dump files.
+  // One 17x17x17 table for one mode (Lut3dGeneration.h); `index` only names the debug dump files.
+  // Reads the gamma-correction switch and the log mask; needs no initPreCalLut3D before it.
   void generateLut3D(OpticalDataFile& odf, TargetParm& target, lut3d_info* lut, int index);
 
   // The property "inParam100nits", fetched once per process by the first generation that finds
@@ -64,17 +69,20 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   static std::atomic<int> sIn100nits;
 
   // Linear light of each grid level, then each conversion-matrix element times it (17m + i).
+  // Only the grid operations above use them; table generation keeps its own per call.
   float preCalLut3D[kGridLevels];
   float preCalLutRGB[9 * kGridLevels];
 
  private:
+  // The steps of generateCfgFile. readOpticalData: 0 local, 1 golden, -1 neither could be read.
+  static void fetch100nitsSwitch();
+  void readTargets(const std::string& name, bool use100nits, TargetParm* targets, bool* read);
+  int readOpticalData(int match, const std::string& name, OpticalDataFile* odf);
+  void recordSource(int match, bool golden);
+
   // Shared by GammaCorrection (verbose lines and dump) and GammaCorrectionFinal (silent).
   void buildGammaTable(const OpticalDataFile& odf, const TargetParm& target, bool final,
                        unsigned int* table);
-  // Recomputes one node from its input codes through the 2.2 decode and remaps it by `table`.
-  void protectNode(lut3d_info* lut, unsigned r, unsigned g, unsigned b, float (*m)[3], float p,
-                   const unsigned int* table);
-
   std::string displayName() const;
 
   PanelCorvaneBase* mOwner;
