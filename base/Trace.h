@@ -7,13 +7,13 @@
 
 namespace snapdragoncolor {
 
-inline bool traceTagEnabled() { return (atrace_get_enabled_tags() & 1) != 0; }
+inline bool traceTagEnabled() { return atrace_is_tag_enabled(ATRACE_TAG_ALWAYS) != 0; }
 
 // A section opened and at once closed, when log-mask bit 0x08 asks for it.
 inline void traceMark(const char* name) {
   if (dbgOn(kDbgTrace) && traceTagEnabled()) {
-    atrace_begin_body(name);
-    atrace_end_body();
+    atrace_begin(ATRACE_TAG_ALWAYS, name);
+    atrace_end(ATRACE_TAG_ALWAYS);
   }
 }
 
@@ -21,11 +21,11 @@ inline void traceMark(const char* name) {
 class ScopedTrace {
  public:
   explicit ScopedTrace(const char* name) : on_(traceTagEnabled()) {
-    if (on_) atrace_begin_body(name);
+    if (on_) atrace_begin(ATRACE_TAG_ALWAYS, name);
   }
   ~ScopedTrace() { end(); }
   void end() {
-    if (on_) atrace_end_body();
+    if (on_) atrace_end(ATRACE_TAG_ALWAYS);
     on_ = false;
   }
   ScopedTrace(const ScopedTrace&) = delete;

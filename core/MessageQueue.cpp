@@ -27,8 +27,8 @@ void MessageQueue::Handler::sendMessageDelayed(int delayMs, int what) {
 
 void MessageQueue::init(PanelCorvane* owner) {
   mOwner = owner;
-  mLooper = android::sp<android::Looper>::make(true);
-  mHandler = android::sp<Handler>::make(*this);
+  mLooper = android::sp<android::Looper>(new android::Looper(true));
+  mHandler = android::sp<Handler>(new Handler(*this));
 }
 
 void MessageQueue::waitMessage() {

@@ -92,7 +92,7 @@ int PanelCorvane::Init(const std::string& name) {
     mWorkerRunning = true;
     mQueue = std::make_unique<impl::MessageQueue>();
     mQueue->init(this);
-    mThread = android::sp<MessageQueueThread>::make(this);
+    mThread = android::sp<MessageQueueThread>(new MessageQueueThread(this));
     // The worker takes the name the buffer holds now, before the new name is copied in.
     mThread->run(mName, android::PRIORITY_DEFAULT, 0);
     mQueue->sendMessage(kMsgHelpServiceInit);

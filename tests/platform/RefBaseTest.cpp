@@ -62,7 +62,7 @@ TEST(StrongPointer, MakeAndSelfAssignment) {
   Events ev;
   {
     auto p = sp<Derived>::make(&ev);
-    p = p;  // NOLINT: self-assignment must keep the object
+    // Self-assignment must keep the object (through a reference: the direct form is a warning).
     sp<Derived>& alias = p;
     p = alias;
     EXPECT_EQ(0, ev.deletes);

@@ -46,7 +46,8 @@ class Thread : virtual public RefBase {
   Thread(const Thread&) = delete;
   Thread& operator=(const Thread&) = delete;
 
-  const bool mCanCallJava;
+  // No Java on the host: kept for the device constructor's meaning only.
+  [[maybe_unused]] const bool mCanCallJava;
   mutable std::mutex mLock;
   std::condition_variable mThreadExited;
   status_t mStatus = OK;
