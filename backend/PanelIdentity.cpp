@@ -109,7 +109,7 @@ bool PanelCorvaneBE::getSnByHidl(char* out) {
   return true;
 }
 
-// Part of the interface the system keeps, but nothing calls it: the serial comes from the ioctl.
+// Kept for the interface; nothing calls it: the serial comes from the ioctl.
 bool PanelCorvaneBE::readSysSn(char* out) {
   if (out == nullptr) return false;
   for (int pass = 0; pass < kSysfsPasses; ++pass) {
