@@ -19,7 +19,7 @@ int Measurements::find(const Patch& p, Xyz* out) const {
   return n;
 }
 
-bool measurementsOf(const CgatsFile& file, const std::string& source, Measurements* out, std::string* error) {
+bool measurementsFromCgats(const CgatsFile& file, const std::string& source, Measurements* out, std::string* error) {
   *out = Measurements{};
   out->source = source;
   const CgatsTable* t = pickCgatsTable(file, "CTI3");
@@ -69,7 +69,7 @@ bool measurementsOf(const CgatsFile& file, const std::string& source, Measuremen
 
 bool readMeasurements(const std::string& path, Measurements* out, std::string* error) {
   CgatsFile file;
-  return readCgatsFile(path, &file, error) && measurementsOf(file, path, out, error);
+  return readCgatsFile(path, &file, error) && measurementsFromCgats(file, path, out, error);
 }
 
 }  // namespace pctool

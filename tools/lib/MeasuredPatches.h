@@ -39,7 +39,7 @@ struct Measurements {
 // The CTI3 table of `file` (else its first): needs RGB_R RGB_G RGB_B and XYZ_X XYZ_Y XYZ_Z.
 // False with "SOURCE:LINE: fault" for a missing column, a value that is not a number or a
 // malformed LUMINANCE_XYZ_CDM2.
-bool measurementsOf(const CgatsFile& file, const std::string& source, Measurements* out, std::string* error);
+bool measurementsFromCgats(const CgatsFile& file, const std::string& source, Measurements* out, std::string* error);
 bool readMeasurements(const std::string& path, Measurements* out, std::string* error);
 
 }  // namespace pctool
