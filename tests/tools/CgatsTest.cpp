@@ -117,7 +117,7 @@ TEST(Cgats, QuotedValuesAndFieldsOnTheFormatLine) {
   EXPECT_FALSE(pctool::cgatsNumber("", &v));
 }
 
-TEST(Measurements, AbsoluteReadingsScaleToCandelasAndRepeatsAverage) {
+TEST(MeasuredPatches, AbsoluteReadingsScaleToCandelasAndRepeatsAverage) {
   CgatsFile f;
   std::string err;
   ASSERT_TRUE(parse(kDispread, &f, &err)) << err;
@@ -132,7 +132,7 @@ TEST(Measurements, AbsoluteReadingsScaleToCandelasAndRepeatsAverage) {
   EXPECT_EQ(m.find({"off", {100, 100, 99.4}}, &white), 0);
 }
 
-TEST(Measurements, RefusesFilesThatAreNotXyzReadings) {
+TEST(MeasuredPatches, RefusesFilesThatAreNotXyzReadings) {
   auto err = [](const std::string& text) {
     CgatsFile f;
     std::string e;
@@ -152,7 +152,7 @@ TEST(Measurements, RefusesFilesThatAreNotXyzReadings) {
             "m.ti3:2: LUMINANCE_XYZ_CDM2 needs three numbers X Y Z with Y above 0");
 }
 
-TEST(Measurements, OdfNeedsEveryPatchAndForgivesNoiseBelowZero) {
+TEST(MeasuredPatches, OdfNeedsEveryPatchAndForgivesNoiseBelowZero) {
   CgatsFile f;
   std::string err;
   ASSERT_TRUE(parse(kDispread, &f, &err)) << err;
