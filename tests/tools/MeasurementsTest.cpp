@@ -229,7 +229,8 @@ TEST_F(ColorimeterFiles, MeasuredErrorOfAnArgyllPanelMatchesThePrediction) {
   for (const auto& c : measured.reference) EXPECT_NEAR(c.de, c.predictedDe, 0.1) << c.name;
   // Below level 32 the model's curve through the .odf's grey levels leaves the profile's.
   for (const auto& c : measured.grey) {
-    if (c.rgb[0] >= 32) EXPECT_NEAR(c.de, c.predictedDe, 0.3) << c.name;
+    if (c.rgb[0] < 32) continue;
+    EXPECT_NEAR(c.de, c.predictedDe, 0.3) << c.name;
   }
 }
 
