@@ -148,7 +148,9 @@ TEST_F(ColorimeterFiles, MeasuredVerificationNeedsItsInputs) {
   ASSERT_EQ(run("odf write panel.odf --ti3 panel.ti3").status, 0);
   sRgbReadings("post.ti3", pctool::verifyPatches(), false);
   EXPECT_EQ(run("verify identity.cube --target srgb.txt --measured post.ti3").status, 2);
-  EXPECT_EQ(run("verify identity.cube --measured post.ti3").status, 2);
+  ToolRun usage = run("verify identity.cube --measured post.ti3");
+  EXPECT_EQ(usage.status, 2);
+  EXPECT_EQ(usage.err, "panelcorvane verify: --measured needs --odf and --target\n");
 
   // An sRGB panel shown the sRGB target through an identity table: nothing to correct.
   ToolRun r = run("verify identity.cube --odf panel.odf --target srgb.txt --measured post.ti3 --json");

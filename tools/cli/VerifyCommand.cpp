@@ -67,8 +67,12 @@ int run(const std::vector<std::string>& args) {
     fprintf(stderr, "panelcorvane verify: %s\n%s", err.empty() ? "needs one TABLE" : err.c_str(), kHelp);
     return kUsage;
   }
-  if (a.has("--odf") != a.has("--target") || (a.has("--measured") && !a.has("--odf"))) {
-    fprintf(stderr, "panelcorvane verify: --odf and --target go together, and --measured needs them\n");
+  if (a.has("--odf") != a.has("--target")) {
+    fprintf(stderr, "panelcorvane verify: --odf and --target go together\n");
+    return kUsage;
+  }
+  if (a.has("--measured") && !a.has("--odf")) {
+    fprintf(stderr, "panelcorvane verify: --measured needs --odf and --target\n");
     return kUsage;
   }
   int index = -1;
