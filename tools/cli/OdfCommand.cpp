@@ -42,7 +42,7 @@ const char kHelp[] =
     "fakeread: white, red, green, blue and grey levels 3584 .. 512, 12-bit level L driven at\n"
     "100 * L / 4095 %.\n"
     "\n"
-    "Both check that the data describes a panel that can exist, naming the field:\n"
+    "print and write check that the data describes a panel that can exist, naming the field:\n"
     "  refused (print: exit 1 after the values; write: exit 1, nothing written): a value that\n"
     "    is not finite, a negative XYZ, a primary or white without luminance, a chromaticity\n"
     "    outside the spectral locus, coinciding or collinear primaries, a white outside their\n"
