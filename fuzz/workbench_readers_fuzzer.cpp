@@ -1,7 +1,9 @@
 // The workbench's readers of what engineers hand it: .cube files, session scripts, the
-// measurement text of `odf write`, and `inspect`, which must name any file's kind
-// (cache, LUT text, .odf, .cube or unknown) and read it as that kind. Input: one byte choosing
-// the reader, then the text or bytes.
+// measurement text of `odf write`, `inspect`, which must name any file's kind
+// (cache, LUT text, .odf, .cube or unknown) and read it as that kind, and CGATS colorimeter
+// files (.ti3) through to an .odf and a measured verification. Input: one byte choosing the
+// reader (0 .cube, 1 session, 2 measurement text, 3 inspect, 4 CGATS), then the text or bytes.
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -13,6 +15,8 @@
 #include "snapdragoncolor/sc_color_records.h"
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/FileInfo.h"
+#include "tools/lib/MeasuredVerify.h"
+#include "tools/lib/OdfFromMeasurements.h"
 #include "tools/lib/OdfWriter.h"
 #include "tools/lib/Session.h"
 #include "tools/lib/TableSource.h"
@@ -24,7 +28,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
-  const int reader = data[0] % 4;
+  const int reader = data[0] % 5;
   const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
   std::string error;
   switch (reader) {
@@ -46,6 +50,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       pctool::parseOdfText(in, "fuzz", &values, &error);
       break;
     }
+    case 4: {
+      pctool::CgatsFile file;
+      pctool::Measurements m;
+      if (!pctool::parseCgats(text, "fuzz", &file, &error) || !pctool::measurementsFromCgats(file, "fuzz", &m, &error))
+        break;
+      pctool::OdfValues values;
+      std::vector<std::string> warnings;
+      pctool::odfFromMeasurements(m, &values, &warnings, &error);
+      pctool::TargetParm target{};
+      const float srgb[9] = {0.64f, 0.33f, 0.30f, 0.60f, 0.15f, 0.06f, 0.3127f, 0.3290f, 0.4545f};
+      std::copy(srgb, srgb + 9, target.values);
+      pctool::MeasuredCheck check;
+      pctool::checkMeasured(m, target, &check, &error);
+      break;
+    }
+    case 3:
     default: {
       // inspect and the table loader open files by path: the input goes through a file.
       const std::string path = pcfuzz::quietPlatform() + "/inspect-input";

@@ -11,6 +11,7 @@ PACKAGES=(
   libcairo2-dev                   # the workbench's PNG report pages
   ffmpeg                          # tests: exported .cube files against ffmpeg's lut3d filter
   binutils                        # tests: the plugin's exported symbols (nm)
+  argyll                          # tests: ArgyllCMS as the colorimeter's side
   clang libclang-rt-14-dev        # fuzz/ and the -Werror build: clang, libFuzzer, sanitizer runtimes
   blueprint-tools                 # CI: Android.bp formatted as bpfmt writes it
   android-libutils-dev            # CI: the plugin compiled against AOSP's own libutils headers

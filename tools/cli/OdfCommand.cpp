@@ -1,4 +1,4 @@
-// `odf print FILE` and `odf write OUT [MEASUREMENTS.txt]`.
+// `odf print FILE`, `odf write OUT [MEASUREMENTS.txt | --ti3 FILE]`, `odf patches --ti1 OUT`.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "tools/cli/Command.h"
+#include "tools/cli/OdfMeasurementFiles.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/FileAccess.h"
 #include "tools/lib/OdfWriter.h"
@@ -18,6 +19,8 @@ namespace {
 const char kHelp[] =
     "usage: panelcorvane odf print FILE\n"
     "       panelcorvane odf write OUT [MEASUREMENTS.txt]\n"
+    "       panelcorvane odf write OUT --ti3 FILE\n"
+    "       panelcorvane odf patches --ti1 OUT\n"
     "\n"
     "print: shows the measurements the plugin reads from an optical data file (XYZ and\n"
     "chromaticity of red, green, blue and white, the grey ramp with its exponent per level)\n"
@@ -28,8 +31,18 @@ const char kHelp[] =
     "  red X Y Z | green X Y Z | blue X Y Z | white X Y Z\n"
     "  grey LEVEL Y        LEVEL one of 3584 3072 2560 2048 1536 1024 512 (all seven)\n"
     "  value INDEX NUMBER  raw float position 0..126, applied last\n"
+    "With --ti3 the values come from a CGATS .ti3 of colorimeter readings (ArgyllCMS dispread,\n"
+    "spotread, fakeread; its CTI3 table, else its first): each patch of 'odf patches' is the row\n"
+    "whose RGB_R RGB_G RGB_B are within 0.5 % of its drive values (repeats are averaged), with\n"
+    "XYZ from XYZ_X XYZ_Y XYZ_Z. With LUMINANCE_XYZ_CDM2 in the header (absolute readings, XYZ\n"
+    "normalised to white Y = 100) the XYZ are scaled to cd/m2; without it they are taken as\n"
+    "they are, with a warning. XYZ slightly below zero (within 0.2 % of white's Y) count as 0.\n"
     "\n"
-    "Both check that the data describes a panel that can exist, naming the field:\n"
+    "patches: writes the patch set an optical data file holds as a CGATS .ti1 for dispread or\n"
+    "fakeread: white, red, green, blue and grey levels 3584 .. 512, 12-bit level L driven at\n"
+    "100 * L / 4095 %.\n"
+    "\n"
+    "print and write check that the data describes a panel that can exist, naming the field:\n"
     "  refused (print: exit 1 after the values; write: exit 1, nothing written): a value that\n"
     "    is not finite, a negative XYZ, a primary or white without luminance, a chromaticity\n"
     "    outside the spectral locus, coinciding or collinear primaries, a white outside their\n"
@@ -128,9 +141,13 @@ int write(const std::string& out, const std::string* textPath) {
 
 int run(const std::vector<std::string>& args) {
   if (args.size() == 2 && args[0] == "print") return print(args[1]);
+  if (args.size() == 3 && args[0] == "patches" && args[1] == "--ti1")
+    return writeOdfPatchesTi1(args[2]);
+  if (args.size() == 4 && args[0] == "write" && args[2] == "--ti3") return writeOdfFromTi3(args[1], args[3]);
   if ((args.size() == 2 || args.size() == 3) && args[0] == "write")
     return write(args[1], args.size() == 3 ? &args[2] : nullptr);
-  fprintf(stderr, "panelcorvane odf: expected 'print FILE' or 'write OUT [MEASUREMENTS.txt]'\n");
+  fprintf(stderr, "panelcorvane odf: expected 'print FILE', 'write OUT [MEASUREMENTS.txt | --ti3 FILE]' or "
+          "'patches --ti1 OUT'\n");
   return kUsage;
 }
 

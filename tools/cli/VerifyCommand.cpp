@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
+#include "tools/cli/VerifyMeasurementFiles.h"
 #include "tools/lib/CliArgs.h"
 #include "tools/lib/Plausibility.h"
 #include "tools/lib/TableSource.h"
@@ -14,7 +15,9 @@ namespace pctool {
 namespace {
 
 const char kHelp[] =
-    "usage: panelcorvane verify TABLE [--table K] [--json] [--odf FILE --target FILE]\n"
+    "usage: panelcorvane verify TABLE [--table K] [--json] [--odf FILE --target FILE\n"
+    "                              [--measured POST.ti3]]\n"
+    "       panelcorvane verify --patches-ti1 OUT\n"
     "\n"
     "TABLE is a table cache (every table, or table K), a LUT text file or a .cube. Reports:\n"
     "  - the plugin's own dE76 check: histogram in steps of 10, share of entries below 50\n"
@@ -31,6 +34,12 @@ const char kHelp[] =
     "  --json         JSON on stdout instead of text\n"
     "  --odf FILE     the panel's optical data (.odf)\n"
     "  --target FILE  the mode's target (.txt)\n"
+    "  --measured F   a CGATS .ti3 of the verification patches measured on the panel with\n"
+    "                 the table applied: the measured CIEDE2000 against the target is shown\n"
+    "                 beside the predicted one. Rows are matched by RGB within 0.5 %; XYZ are\n"
+    "                 taken relative to the measured white.\n"
+    "  --patches-ti1 OUT  writes those verification patches (the 21 reference colours and the\n"
+    "                 grey ramp, 8-bit code C driven at 100 * C / 255 %) as a CGATS .ti1\n"
     "\n"
     "The figures themselves never fail the command. The optical data and the target must\n"
     "describe something that can exist: impossible data is refused (exit 1) naming the field -\n"
@@ -50,12 +59,20 @@ int bad(const std::string& file, const std::string& why) {
 int run(const std::vector<std::string>& args) {
   ParsedArgs a;
   std::string err;
-  if (!parseArgs(args, {"--table", "--odf", "--target"}, {"--json"}, a, err) || a.positional.size() != 1) {
+  if (parseArgs(args, {"--patches-ti1"}, {}, a, err) && a.has("--patches-ti1") && a.positional.empty())
+    return writeVerifyPatchesTi1(a.value("--patches-ti1"));
+  a = ParsedArgs{};
+  err.clear();
+  if (!parseArgs(args, {"--table", "--odf", "--target", "--measured"}, {"--json"}, a, err) || a.positional.size() != 1) {
     fprintf(stderr, "panelcorvane verify: %s\n%s", err.empty() ? "needs one TABLE" : err.c_str(), kHelp);
     return kUsage;
   }
   if (a.has("--odf") != a.has("--target")) {
     fprintf(stderr, "panelcorvane verify: --odf and --target go together\n");
+    return kUsage;
+  }
+  if (a.has("--measured") && !a.has("--odf")) {
+    fprintf(stderr, "panelcorvane verify: --measured needs --odf and --target\n");
     return kUsage;
   }
   int index = -1;
@@ -89,6 +106,9 @@ int run(const std::vector<std::string>& args) {
     }
   }
 
+  MeasuredCheck measured;
+  if (a.has("--measured") && !readMeasuredCheck(a.value("--measured"), target, measured)) return kBadInput;
+
   std::vector<VerifyResult> results;
   for (size_t k = 0; k < tables.size(); ++k) {
     if (index >= 0 && static_cast<size_t>(index) != k) continue;
@@ -102,6 +122,11 @@ int run(const std::vector<std::string>& args) {
       if (!predict(*tables[k].lut, odf, target, r.prediction, err))
         return bad(a.value("--odf") + " / " + a.value("--target"), err);
       r.hasPrediction = true;
+      if (a.has("--measured")) {
+        r.measured = measured;
+        addPredicted(r.prediction, &r.measured);
+        r.hasMeasured = true;
+      }
     }
     results.push_back(std::move(r));
   }

@@ -12,6 +12,7 @@
 #include "snapdragoncolor/sc_color_records.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/Ciede2000.h"
+#include "tools/lib/MeasuredVerify.h"
 
 namespace pctool {
 
@@ -69,6 +70,8 @@ struct VerifyResult {
   De2000Stats de2000;
   bool hasPrediction = false;
   Prediction prediction;
+  bool hasMeasured = false;
+  MeasuredCheck measured;
   std::vector<std::string> notes;
 };
 std::string toText(const VerifyResult& r);

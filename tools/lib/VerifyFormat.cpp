@@ -130,6 +130,7 @@ std::string toText(const VerifyResult& r) {
     o += summaryLine("grey ramp", p.greySummary);
     for (const auto& n : p.notes) o += "  note: " + n + "\n";
   }
+  if (r.hasMeasured) o += measuredText(r.measured);
   for (const auto& n : r.notes) o += "note: " + n + "\n";
   return o;
 }
@@ -164,6 +165,7 @@ std::string toJson(const std::vector<VerifyResult>& results) {
            summaryJson(p.referenceSummary) + ",\n  \"grey\":" + coloursJson(p.grey) +
            ",\n  \"grey_summary\":" + summaryJson(p.greySummary) + ",\n  \"notes\":" + stringsJson(p.notes) + "}";
     }
+    if (r.hasMeasured) o += ",\n \"measured\":" + measuredJson(r.measured);
     o += ",\n \"notes\":" + stringsJson(r.notes) + "}";
   }
   return o + "\n]\n";
