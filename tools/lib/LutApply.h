@@ -5,10 +5,9 @@
 #include <cstdint>
 
 #include "snapdragoncolor/sc_color_records.h"
+#include "tools/lib/CellInterp.h"
 
 namespace pctool {
-
-enum class Interp { Trilinear, Tetrahedral };
 
 // Where the 17 nodes sit on the 0..1 input axis.
 enum class NodeGrid {
