@@ -44,18 +44,24 @@ Rgb sampleLut(const lut3d_info& lut, const Rgb& in, Interp interp, NodeGrid grid
   return Rgb{out[0], out[1], out[2]};
 }
 
+uint8_t codeTo8(double code) {
+  double v = std::round(code / kFullScale * 255.0);
+  return static_cast<uint8_t>(std::clamp(v, 0.0, 255.0));
+}
+
 void applyLut8(const lut3d_info& lut, const uint8_t* in, uint8_t* out, size_t pixels, Interp interp,
                NodeGrid grid) {
-  auto to8 = [](double code) {
-    double v = std::round(code / kFullScale * 255.0);
-    return static_cast<uint8_t>(std::clamp(v, 0.0, 255.0));
-  };
   for (size_t i = 0; i < pixels; ++i, in += 3, out += 3) {
     Rgb o = sampleLut(lut, Rgb{in[0] / 255.0, in[1] / 255.0, in[2] / 255.0}, interp, grid);
-    out[0] = to8(o.r);
-    out[1] = to8(o.g);
-    out[2] = to8(o.b);
+    out[0] = codeTo8(o.r);
+    out[1] = codeTo8(o.g);
+    out[2] = codeTo8(o.b);
   }
+}
+
+void applyLutInPlace(const lut3d_info& lut, uint8_t* px, size_t pixels, int channels, Interp interp,
+                     NodeGrid grid) {
+  for (size_t i = 0; i < pixels; ++i, px += channels) applyLut8(lut, px, px, 1, interp, grid);
 }
 
 }  // namespace pctool
