@@ -65,8 +65,8 @@ bool ColourCsv::parse(const std::string& text, ColourList& out, std::string& err
     if (line.empty() || line[0] == '#') continue;
     const bool first = !seenContent;
     seenContent = true;
-    if (first && std::any_of(line.begin(), line.end(), [](unsigned char c) { return std::isalpha(c); }))
-      continue;  // the header
+    // A header names its columns: the first line is one when it starts with a name.
+    if (first && (std::isalpha(static_cast<unsigned char>(line[0])) || line[0] == '"')) continue;
     ColourRow row{lineNo, {}, {}};
     size_t start = 0;
     for (int c = 0; c < 3; ++c) {
