@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "tools/lib/DeviceGrid.h"
+#include "tools/lib/TextLines.h"
 
 namespace pctool {
 
@@ -48,19 +49,12 @@ bool ColourCsv::parse(const std::string& text, ColourList& out, std::string& err
     error = "binary data: not a CSV list of colours";
     return false;
   }
-  size_t pos = 0, lineNo = 0;
+  TextLines lines(text, kMaxLineBytes);
+  std::string line;
+  error.clear();
   bool seenContent = false;
-  while (pos < text.size()) {
-    size_t nl = text.find('\n', pos);
-    size_t end = nl == std::string::npos ? text.size() : nl;
-    ++lineNo;
-    if (end - pos > kMaxLineBytes) {
-      error = lineError(lineNo, "too long (over " + std::to_string(kMaxLineBytes) + " characters)");
-      return false;
-    }
-    std::string line = text.substr(pos, end - pos);
-    pos = end + 1;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  while (lines.next(line, error)) {
+    const size_t lineNo = lines.lineNo();
     line = trim(line);
     if (line.empty() || line[0] == '#') continue;
     const bool first = !seenContent;
@@ -89,6 +83,7 @@ bool ColourCsv::parse(const std::string& text, ColourList& out, std::string& err
     }
     out.rows.push_back(row);
   }
+  if (!error.empty()) return false;
   // The scale is the file's, decided once all of it is read.
   for (auto& row : out.rows)
     for (int c = 0; c < 3; ++c) {

@@ -12,6 +12,7 @@
 
 #include "tools/lib/CubeResample.h"
 #include "tools/lib/FileAccess.h"
+#include "tools/lib/TextLines.h"
 
 namespace pctool {
 
@@ -101,19 +102,11 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
   bool haveTitle = false, haveMin = false, haveMax = false;
   uint64_t expected = 0;  // rows the size line announced; 0 before it
   uint64_t rows = 0;
-  size_t lineNo = 0;
-  size_t pos = 0;
-  while (pos < text.size()) {
-    size_t nl = text.find('\n', pos);
-    size_t end = nl == std::string::npos ? text.size() : nl;
-    ++lineNo;
-    if (end - pos > kMaxLineBytes) {
-      error = lineError(lineNo, "too long (over " + std::to_string(kMaxLineBytes) + " characters)");
-      return false;
-    }
-    std::string line = text.substr(pos, end - pos);
-    pos = end + 1;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  TextLines lines(text, kMaxLineBytes);
+  std::string line;
+  error.clear();
+  while (lines.next(line, error)) {
+    const size_t lineNo = lines.lineNo();
     size_t first = line.find_first_not_of(" \t");
     if (first == std::string::npos || line[first] == '#') continue;
     const char* s = line.c_str() + first;
@@ -207,6 +200,7 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
       cube.values.push_back(x);
     }
   }
+  if (!error.empty()) return false;
   if (expected == 0) {
     error = "not a .cube table (no LUT_3D_SIZE or LUT_1D_SIZE line)";
     return false;
