@@ -78,6 +78,36 @@ TEST(ColourCsv, MalformedListsNameTheLine) {
   }
 }
 
+uint32_t crc32(const std::string& bytes) {
+  uint32_t c = 0xffffffffu;
+  for (unsigned char b : bytes) {
+    c ^= b;
+    for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xedb88320u & (0u - (c & 1)));
+  }
+  return ~c;
+}
+
+std::string chunk(const std::string& type, const std::string& data) {
+  auto be32 = [](uint32_t v) {
+    return std::string{char(v >> 24), char(v >> 16), char(v >> 8), char(v)};
+  };
+  return be32(uint32_t(data.size())) + type + data + be32(crc32(type + data));
+}
+
+TEST(PngImage, RefusesAnImageTooLargeToHoldBeforeReadingItsPixels) {
+  if (!pctool::PngImage::available()) GTEST_SKIP() << "built without libpng";
+  pctest::TempRoot dir;
+  // 20000 x 20000 RGB claimed by a well-formed header; the pixel data never comes.
+  const std::string ihdr = std::string("\0\0\x4e\x20\0\0\x4e\x20\x08\x02\0\0\0", 13);
+  dir.write("/huge.png", std::string("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", ihdr) + chunk("IDAT", "x") +
+                             chunk("IEND", ""));
+  pctool::Image8 img;
+  std::string err;
+  EXPECT_FALSE(pctool::PngImage::read(dir.path() + "/huge.png", img, err));
+  EXPECT_EQ(err, "image of 20000 x 20000 pixels: more than 33554432 pixels");
+  EXPECT_TRUE(img.pixels.empty());
+}
+
 class ApplyCommand : public pctest::ToolRunner {
  protected:
   void writeTable() {

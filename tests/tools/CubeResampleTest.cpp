@@ -11,6 +11,7 @@
 #include <string>
 
 #include "tests/support/TestSupport.h"
+#include "tests/tools/ToolRunner.h"
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/TableSource.h"
@@ -157,6 +158,23 @@ TEST(CubeResample, TheLoaderNotesTheResamplingAndKeeps17NodeCubesUnmarked) {
   // Node for node: level 15 is the cube's node 15, not the function at code 3840.
   const Rgb3 node15 = smooth(15 / 16.0, 0, 0);
   EXPECT_EQ(t[0].lut->entries[15].out[0], uint32_t(std::lround(node15.v[0] * 4095)));
+}
+
+class CubeResampleCommands : public pctest::ToolRunner {};
+
+TEST_F(CubeResampleCommands, InspectAndExportSayTheTableWasResampled) {
+  if (!haveTool()) GTEST_SKIP() << "panelcorvane not built at " << tool;
+  root.write("/big.cube", cube3d(33, smooth));
+  auto r = run("inspect big.cube");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("note: resampled from 33 nodes (tetrahedral)\n"), std::string::npos) << r.out;
+  r = run("export big.cube hook.txt");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "panelcorvane export: big.cube: note: resampled from 33 nodes (tetrahedral)\n");
+  root.write("/huge.cube", "LUT_3D_SIZE 129\n");
+  r = run("inspect huge.cube");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "panelcorvane inspect: huge.cube: line 1 unsupported: LUT_3D_SIZE 129 (2..65)\n");
 }
 
 bool haveOcioBake() { return std::system("command -v ociobakelut > /dev/null 2>&1") == 0; }
