@@ -9,7 +9,9 @@ PACKAGES=(
   googletest libgtest-dev libgmock-dev  # tests
   libbenchmark-dev                # bench/
   libcairo2-dev                   # the workbench's PNG report pages
-  ffmpeg                          # tests: exported .cube files against ffmpeg's lut3d filter
+  libpng-dev                      # `apply` on PNG images; the build works without it, CSV only
+  ffmpeg                          # tests: exported .cube files and `apply` against ffmpeg's lut3d filter
+  opencolorio-tools               # tests: ociobakelut's 33-node .cube read back onto the device grid
   binutils                        # tests: the plugin's exported symbols (nm)
   argyll                          # tests: ArgyllCMS as the colorimeter's side
   clang libclang-rt-14-dev        # fuzz/ and the -Werror build: clang, libFuzzer, sanitizer runtimes

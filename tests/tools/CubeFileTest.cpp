@@ -54,9 +54,9 @@ TEST(CubeFile, MalformedFilesNameTheProblem) {
     std::string text;
     std::string error;
   } cases[] = {
-      {"missing size", cubeText("", 0) + "# only a comment\n", "not a 3D LUT of size 17 (no LUT_3D_SIZE line)"},
-      {"wrong size", cubeText("TITLE \"x\"\nLUT_3D_SIZE 33\n", 3), "not a 3D LUT of size 17 (LUT_3D_SIZE 33 on line 2)"},
-      {"1D table", "LUT_1D_SIZE 1024\n", "not a 3D LUT of size 17 (1D table: LUT_1D_SIZE on line 1)"},
+      {"missing size", cubeText("", 0) + "# only a comment\n", "not a .cube table (no LUT_3D_SIZE or LUT_1D_SIZE line)"},
+      {"short 33-node cube", cubeText("TITLE \"x\"\nLUT_3D_SIZE 33\n", 3), "too short: 3 of 35937 table lines"},
+      {"empty 1D table", "LUT_1D_SIZE 1024\n", "too short: 0 of 1024 table lines"},
       {"two numbers", cubeText(head, 4) + "0.1 0.2\n", "line 6 malformed"},
       {"text in data", cubeText(head, 1) + "0.1 0.2 abc\n", "line 3 malformed"},
       {"glued garbage", cubeText(head, 1) + "0.1 0.2 0.3x\n", "line 3 malformed"},

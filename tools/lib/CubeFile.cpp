@@ -10,7 +10,9 @@
 #include <sstream>
 #include <vector>
 
+#include "tools/lib/CubeResample.h"
 #include "tools/lib/FileAccess.h"
+#include "tools/lib/TextLines.h"
 
 namespace pctool {
 
@@ -69,8 +71,12 @@ bool CubeFile::writeFile(const std::string& path, const lut3d_info& lut, const s
   return writeWholeFile(path, os.str(), error);
 }
 
+std::string CubeReadInfo::note() const {
+  return resampled ? resampleNote(dims, size, interp) : std::string();
+}
+
 bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
-                     std::string& error) {
+                     std::string& error, Interp interp) {
   std::string text;
   {
     std::vector<char> buf(64 * 1024);
@@ -80,7 +86,8 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
     }
   }
   if (text.size() > kMaxFileBytes) {
-    error = "larger than " + std::to_string(kMaxFileBytes >> 20) + " MiB: not a 17-point .cube";
+    error = "larger than " + std::to_string(kMaxFileBytes >> 20) + " MiB: not a .cube of at most " +
+            std::to_string(kMax3dSize) + " nodes";
     return false;
   }
   if (text.find('\0') != std::string::npos) {
@@ -90,21 +97,16 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
 
   setDeviceGrid(lut, lutId);
   info = CubeReadInfo{};
-  bool haveSize = false, haveTitle = false, haveMin = false, haveMax = false;
-  uint32_t rows = 0;
-  size_t lineNo = 0;
-  size_t pos = 0;
-  while (pos < text.size()) {
-    size_t nl = text.find('\n', pos);
-    size_t end = nl == std::string::npos ? text.size() : nl;
-    ++lineNo;
-    if (end - pos > kMaxLineBytes) {
-      error = lineError(lineNo, "too long (over " + std::to_string(kMaxLineBytes) + " characters)");
-      return false;
-    }
-    std::string line = text.substr(pos, end - pos);
-    pos = end + 1;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
+  info.interp = interp;
+  CubeTable cube;
+  bool haveTitle = false, haveMin = false, haveMax = false;
+  uint64_t expected = 0;  // rows the size line announced; 0 before it
+  uint64_t rows = 0;
+  TextLines lines(text, kMaxLineBytes);
+  std::string line;
+  error.clear();
+  while (lines.next(line, error)) {
+    const size_t lineNo = lines.lineNo();
     size_t first = line.find_first_not_of(" \t");
     if (first == std::string::npos || line[first] == '#') continue;
     const char* s = line.c_str() + first;
@@ -129,21 +131,28 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
           t = t.substr(1, q - 1);
         }
         info.title = t;
-      } else if (kw == "LUT_3D_SIZE") {
-        if (haveSize) return error = lineError(lineNo, "malformed: second LUT_3D_SIZE"), false;
-        char* e = nullptr;
-        long n = std::strtol(arg, &e, 10);
-        while (e && (*e == ' ' || *e == '\t')) ++e;
-        if (e == arg || *e != '\0') return error = lineError(lineNo, "malformed"), false;
-        if (n != static_cast<long>(kGrid)) {
-          error = "not a 3D LUT of size 17 (LUT_3D_SIZE " + std::to_string(n) + " on line " +
-                  std::to_string(lineNo) + ")";
+      } else if (kw == "LUT_3D_SIZE" || kw == "LUT_1D_SIZE") {
+        const uint32_t dims = kw == "LUT_3D_SIZE" ? 3 : 1;
+        if (expected > 0) {
+          error = lineError(lineNo, dims == cube.dims ? "malformed: second " + kw
+                                                      : "unsupported: both LUT_1D_SIZE and LUT_3D_SIZE");
           return false;
         }
-        haveSize = true;
-      } else if (kw == "LUT_1D_SIZE") {
-        error = "not a 3D LUT of size 17 (1D table: LUT_1D_SIZE on line " + std::to_string(lineNo) + ")";
-        return false;
+        char* e = nullptr;
+        errno = 0;
+        long n = std::strtol(arg, &e, 10);
+        while (e && (*e == ' ' || *e == '\t')) ++e;
+        if (e == arg || *e != '\0' || errno == ERANGE) return error = lineError(lineNo, "malformed"), false;
+        const long most = dims == 3 ? kMax3dSize : kMax1dSize;
+        if (n < static_cast<long>(kMinCubeSize) || n > most) {
+          error = lineError(lineNo, "unsupported: " + kw + " " + std::to_string(n) + " (" +
+                                        std::to_string(kMinCubeSize) + ".." + std::to_string(most) + ")");
+          return false;
+        }
+        cube.dims = dims;
+        cube.size = static_cast<uint32_t>(n);
+        expected = cubeRows(cube.dims, cube.size);
+        cube.values.reserve(static_cast<size_t>(expected) * 3);
       } else if (kw == "DOMAIN_MIN" || kw == "DOMAIN_MAX") {
         bool isMin = kw == "DOMAIN_MIN";
         bool& seen = isMin ? haveMin : haveMax;
@@ -157,11 +166,11 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
                                         (isMin ? "0 0 0" : "1 1 1"));
           return false;
         }
-      } else if (kw == "LUT_3D_INPUT_RANGE") {
+      } else if (kw == "LUT_3D_INPUT_RANGE" || kw == "LUT_1D_INPUT_RANGE") {
         double v[2];
         if (!parseNumbers(arg, v, 2)) return error = lineError(lineNo, "malformed"), false;
         if (v[0] != 0.0 || v[1] != 1.0)
-          return error = lineError(lineNo, "unsupported: LUT_3D_INPUT_RANGE must be 0 1"), false;
+          return error = lineError(lineNo, "unsupported: " + kw + " must be 0 1"), false;
       } else {
         error = lineError(lineNo, "malformed: unknown keyword " + kw);
         return false;
@@ -169,12 +178,12 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
       continue;
     }
 
-    if (!haveSize) {
+    if (expected == 0) {
       error = lineError(lineNo, "malformed: table data before LUT_3D_SIZE");
       return false;
     }
-    if (rows >= kEntries) {
-      error = lineError(lineNo, "malformed: more than 4913 table lines");
+    if (rows >= expected) {
+      error = lineError(lineNo, "malformed: more than " + std::to_string(expected) + " table lines");
       return false;
     }
     double v[3];
@@ -182,36 +191,47 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
       error = lineError(lineNo, "malformed");
       return false;
     }
-    auto& e = lut.entries[rows++];
-    for (int c = 0; c < 3; ++c) {
-      double x = v[c];
+    ++rows;
+    for (double x : v) {
       if (x < 0.0 || x > 1.0) {
         ++info.clamped;
         x = x < 0.0 ? 0.0 : 1.0;
       }
-      e.out[c] = static_cast<uint32_t>(std::lround(x * kFullScale));
+      cube.values.push_back(x);
     }
   }
-  if (!haveSize) {
-    error = "not a 3D LUT of size 17 (no LUT_3D_SIZE line)";
+  if (!error.empty()) return false;
+  if (expected == 0) {
+    error = "not a .cube table (no LUT_3D_SIZE or LUT_1D_SIZE line)";
     return false;
   }
-  if (rows < kEntries) {
-    error = "too short: " + std::to_string(rows) + " of 4913 table lines";
+  if (rows < expected) {
+    error = "too short: " + std::to_string(rows) + " of " + std::to_string(expected) + " table lines";
     return false;
   }
+  info.dims = cube.dims;
+  info.size = cube.size;
+  info.resampled = !(cube.dims == 3 && cube.size == kGrid);
+  if (info.resampled) {
+    resampleCube(cube, interp, lut);
+    return true;
+  }
+  // Node for node: the device grid's levels are this file's nodes.
+  for (uint32_t n = 0; n < kEntries; ++n)
+    for (int c = 0; c < 3; ++c)
+      lut.entries[n].out[c] = static_cast<uint32_t>(std::lround(cube.values[3 * n + c] * kFullScale));
   return true;
 }
 
 bool CubeFile::readFile(const std::string& path, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
-                        std::string& error) {
+                        std::string& error, Interp interp) {
   if (!checkInputFile(path, error)) return false;
   std::ifstream is(path, std::ios::binary);
   if (!is) {
     error = "cannot open: " + std::string(std::strerror(errno));
     return false;
   }
-  return parse(is, lut, lutId, info, error);
+  return parse(is, lut, lutId, info, error, interp);
 }
 
 }  // namespace pctool

@@ -201,7 +201,8 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
   return true;
 }
 
-bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error) {
+bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error,
+                Interp cubeInterp) {
   out.clear();
   const std::string name = baseName(path);
   FileKind kind = detectKind(path, error);
@@ -241,7 +242,8 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       t.label = name;
       t.lut = std::make_shared<lut3d_info>();
       CubeReadInfo info;
-      if (!CubeFile::readFile(path, *t.lut, 0, info, error)) return false;
+      if (!CubeFile::readFile(path, *t.lut, 0, info, error, cubeInterp)) return false;
+      if (info.resampled) t.notes.push_back(info.note());
       if (info.clamped > 0)
         t.notes.push_back(std::to_string(info.clamped) + " values outside 0..1 were clamped");
       if (!info.title.empty()) t.label += " (\"" + info.title + "\")";

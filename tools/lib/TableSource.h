@@ -62,8 +62,10 @@ struct LoadedTable {
 };
 
 // Loads every table in `path` (a cache gives all of its tables, other kinds one). A cache with
-// a wrong checksum fails with "checksum mismatch: stored 0x..., computed 0x...".
-bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error);
+// a wrong checksum fails with "checksum mismatch: stored 0x..., computed 0x...". A .cube of
+// another size than 17 is resampled with `cubeInterp` and says so in the notes.
+bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error,
+                Interp cubeInterp = Interp::Tetrahedral);
 
 // The LUT text image of a table, exactly as the plugin's LutTextFile writes it.
 std::string lutTextImage(const snapdragoncolor::lut3d_info& lut);

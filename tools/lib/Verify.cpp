@@ -14,12 +14,6 @@ using snapdragoncolor::lut3d_info;
 
 namespace {
 
-Lab srgbCodeLab(const uint32_t (&c)[3]) {
-  Xyz x = linearSrgbToXyz(srgbDecode(c[0] / kFullScale), srgbDecode(c[1] / kFullScale),
-                          srgbDecode(c[2] / kFullScale));
-  return xyzToLab(x, kD65);
-}
-
 PredictionSummary summarise(const std::vector<ColourPrediction>& v) {
   PredictionSummary s;
   if (v.empty()) return s;
@@ -35,6 +29,12 @@ PredictionSummary summarise(const std::vector<ColourPrediction>& v) {
 }
 
 }  // namespace
+
+Lab srgbCodeLab(const uint32_t (&c)[3]) {
+  Xyz x = linearSrgbToXyz(srgbDecode(c[0] / kFullScale), srgbDecode(c[1] / kFullScale),
+                          srgbDecode(c[2] / kFullScale));
+  return xyzToLab(x, kD65);
+}
 
 De2000Stats de2000Stats(const lut3d_info& lut) {
   De2000Stats s;

@@ -20,6 +20,9 @@ namespace pctool {
 using De76Report = snapdragoncolor::De76Report;
 using snapdragoncolor::de76Report;
 
+// 12-bit codes read as an sRGB-encoded signal (code / 4095), to L*a*b* for D65.
+Lab srgbCodeLab(const uint32_t (&codes)[3]);
+
 // CIEDE2000 between input and output of every entry, both read as sRGB-encoded signals
 // (code / 4095), D65 white.
 struct NodeDe {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tools/lib/DeviceGrid.h"
+#include "tools/lib/JsonText.h"
 #include "tools/lib/Verify.h"
 
 namespace pctool {
@@ -16,59 +17,22 @@ std::string fmt(const char* f, double v) {
   return buf;
 }
 
-std::string num(double v) { return std::isfinite(v) ? fmt("%.4f", v) : "null"; }
-
-std::string quote(const std::string& s) {
-  std::string o = "\"";
-  for (unsigned char c : s) {
-    if (c == '"' || c == '\\') {
-      o += '\\';
-      o += static_cast<char>(c);
-    } else if (c < 0x20) {
-      char buf[8];
-      std::snprintf(buf, sizeof buf, "\\u%04x", c);
-      o += buf;
-    } else {
-      o += static_cast<char>(c);
-    }
-  }
-  return o + "\"";
-}
-
-template <typename T, size_t N>
-std::string arr(const T (&v)[N]) {
-  std::string o = "[";
-  for (size_t i = 0; i < N; ++i) o += (i ? "," : "") + std::to_string(v[i]);
-  return o + "]";
-}
-
-std::string levels(uint32_t index) {
-  return "(" + std::to_string(index % kGrid) + "," + std::to_string(index / kGrid % kGrid) + "," +
-         std::to_string(index / (kGrid * kGrid)) + ")";
-}
-
-std::string lab(const Lab& l) { return "[" + num(l.L) + "," + num(l.a) + "," + num(l.b) + "]"; }
+std::string lab(const Lab& l) { return "[" + jsonNumber(l.L) + "," + jsonNumber(l.a) + "," + jsonNumber(l.b) + "]"; }
 
 std::string summaryJson(const PredictionSummary& s) {
-  return "{\"mean\":" + num(s.mean) + ",\"max\":" + num(s.max) + ",\"mean_without_table\":" +
-         num(s.meanUncalibrated) + ",\"max_without_table\":" + num(s.maxUncalibrated) + "}";
+  return "{\"mean\":" + jsonNumber(s.mean) + ",\"max\":" + jsonNumber(s.max) + ",\"mean_without_table\":" +
+         jsonNumber(s.meanUncalibrated) + ",\"max_without_table\":" + jsonNumber(s.maxUncalibrated) + "}";
 }
 
 std::string coloursJson(const std::vector<ColourPrediction>& v) {
   std::string o = "[";
   for (size_t i = 0; i < v.size(); ++i) {
     const auto& c = v[i];
-    o += (i ? "," : "") + std::string("{\"name\":") + quote(c.name) + ",\"rgb\":" + arr(c.rgb) +
-         ",\"table_out\":[" + num(c.outCodes[0]) + "," + num(c.outCodes[1]) + "," + num(c.outCodes[2]) +
+    o += (i ? "," : "") + std::string("{\"name\":") + jsonString(c.name) + ",\"rgb\":" + jsonArray(c.rgb) +
+         ",\"table_out\":[" + jsonNumber(c.outCodes[0]) + "," + jsonNumber(c.outCodes[1]) + "," + jsonNumber(c.outCodes[2]) +
          "],\"target_lab\":" + lab(c.target) + ",\"predicted_lab\":" + lab(c.predicted) +
-         ",\"de2000\":" + num(c.de) + ",\"de2000_without_table\":" + num(c.deUncalibrated) + "}";
+         ",\"de2000\":" + jsonNumber(c.de) + ",\"de2000_without_table\":" + jsonNumber(c.deUncalibrated) + "}";
   }
-  return o + "]";
-}
-
-std::string stringsJson(const std::vector<std::string>& v) {
-  std::string o = "[";
-  for (size_t i = 0; i < v.size(); ++i) o += (i ? "," : "") + quote(v[i]);
   return o + "]";
 }
 
@@ -115,7 +79,7 @@ std::string toText(const VerifyResult& r) {
   o += "  worst nodes:\n";
   for (const auto& n : s.worst) {
     std::snprintf(buf, sizeof buf, "    entry %4u %-12s in %4u %4u %4u -> out %4u %4u %4u   dE00 %.3f\n", n.index,
-                  levels(n.index).c_str(), n.in[0], n.in[1], n.in[2], n.out[0], n.out[1], n.out[2], n.de);
+                  gridLevels(n.index).c_str(), n.in[0], n.in[1], n.in[2], n.out[0], n.out[1], n.out[2], n.de);
     o += buf;
   }
 
@@ -141,32 +105,32 @@ std::string toJson(const std::vector<VerifyResult>& results) {
     const VerifyResult& r = results[i];
     const De76Report& d = r.de76;
     o += i ? ",\n" : "\n";
-    o += "{\"table\":" + quote(r.label) + ",\n \"de76\":{\"histogram\":" + arr(d.bins) +
+    o += "{\"table\":" + jsonString(r.label) + ",\n \"de76\":{\"histogram\":" + jsonArray(d.bins) +
          ",\"pass_percent\":" + std::to_string(d.passPercent) + ",\"pass\":" + (d.pass ? "true" : "false") +
          ",\"above_50\":[";
     for (size_t k = 0; k < d.far.size(); ++k) {
       const auto& f = d.far[k];
-      o += (k ? "," : "") + std::string("{\"index\":") + std::to_string(f.index) + ",\"in\":" + arr(f.in) +
-           ",\"out\":" + arr(f.out) + ",\"de\":" + num(f.d) + "}";
+      o += (k ? "," : "") + std::string("{\"index\":") + std::to_string(f.index) + ",\"in\":" + jsonArray(f.in) +
+           ",\"out\":" + jsonArray(f.out) + ",\"de\":" + jsonNumber(f.d) + "}";
     }
     const De2000Stats& s = r.de2000;
-    o += "]},\n \"de2000\":{\"mean\":" + num(s.mean) + ",\"p95\":" + num(s.p95) + ",\"max\":" + num(s.max) +
+    o += "]},\n \"de2000\":{\"mean\":" + jsonNumber(s.mean) + ",\"p95\":" + jsonNumber(s.p95) + ",\"max\":" + jsonNumber(s.max) +
          ",\"worst\":[";
     for (size_t k = 0; k < s.worst.size(); ++k) {
       const auto& n = s.worst[k];
-      o += (k ? "," : "") + std::string("{\"index\":") + std::to_string(n.index) + ",\"in\":" + arr(n.in) +
-           ",\"out\":" + arr(n.out) + ",\"de\":" + num(n.de) + "}";
+      o += (k ? "," : "") + std::string("{\"index\":") + std::to_string(n.index) + ",\"in\":" + jsonArray(n.in) +
+           ",\"out\":" + jsonArray(n.out) + ",\"de\":" + jsonNumber(n.de) + "}";
     }
     o += "]}";
     if (r.hasPrediction) {
       const Prediction& p = r.prediction;
-      o += ",\n \"prediction\":{\"target_decode_exponent\":" + num(p.targetDecodeExponent) +
+      o += ",\n \"prediction\":{\"target_decode_exponent\":" + jsonNumber(p.targetDecodeExponent) +
            ",\n  \"reference\":" + coloursJson(p.reference) + ",\n  \"reference_summary\":" +
            summaryJson(p.referenceSummary) + ",\n  \"grey\":" + coloursJson(p.grey) +
-           ",\n  \"grey_summary\":" + summaryJson(p.greySummary) + ",\n  \"notes\":" + stringsJson(p.notes) + "}";
+           ",\n  \"grey_summary\":" + summaryJson(p.greySummary) + ",\n  \"notes\":" + jsonStrings(p.notes) + "}";
     }
     if (r.hasMeasured) o += ",\n \"measured\":" + measuredJson(r.measured);
-    o += ",\n \"notes\":" + stringsJson(r.notes) + "}";
+    o += ",\n \"notes\":" + jsonStrings(r.notes) + "}";
   }
   return o + "\n]\n";
 }

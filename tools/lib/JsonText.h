@@ -1,0 +1,27 @@
+// The small pieces the workbench's hand-written JSON and tables are made of (no dependency).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace pctool {
+
+// Four decimals; "null" for a value that is not finite.
+std::string jsonNumber(double v);
+// A quoted, escaped JSON string.
+std::string jsonString(const std::string& s);
+std::string jsonStrings(const std::vector<std::string>& v);
+
+template <typename T, size_t N>
+std::string jsonArray(const T (&v)[N]) {
+  std::string o = "[";
+  for (size_t i = 0; i < N; ++i) o += (i ? "," : "") + std::to_string(v[i]);
+  return o + "]";
+}
+
+// "(r,g,b)": the grid levels of table entry `index`.
+std::string gridLevels(uint32_t index);
+
+}  // namespace pctool
