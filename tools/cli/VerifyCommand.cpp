@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
+#include "tools/cli/LotCommands.h"
 #include "tools/lib/CliArgs.h"
 #include "tools/lib/Plausibility.h"
 #include "tools/lib/TableSource.h"
@@ -48,6 +49,8 @@ int bad(const std::string& file, const std::string& why) {
 }
 
 int run(const std::vector<std::string>& args) {
+  for (const auto& arg : args)
+    if (arg == "--lot") return runVerifyLot(args);
   ParsedArgs a;
   std::string err;
   if (!parseArgs(args, {"--table", "--odf", "--target"}, {"--json"}, a, err) || a.positional.size() != 1) {
@@ -118,7 +121,9 @@ int run(const std::vector<std::string>& args) {
   return kOk;
 }
 
-static Registrar reg({"verify", "colour error of a table (dE76 check, CIEDE2000, predicted panel error)", kHelp, run});
+const std::string kFullHelp = std::string(kHelp) + kVerifyLotHelp;
+static Registrar reg({"verify", "colour error of a table (dE76 check, CIEDE2000, predicted panel error), or of a lot",
+                      kFullHelp.c_str(), run});
 
 }  // namespace
 }  // namespace pctool

@@ -221,13 +221,13 @@ bool writeSyntheticDevice(const std::string& dir, const SyntheticDeviceOptions& 
   prop += "PanelCalibration=1\nPanelNitsCalibration=1\n";
   prop += std::string("GammaCorrection=") + (o.gammaCorrection ? "1" : "0") + "\n";
   prop += std::string("inParam100nits=") + (o.in100nits ? "1" : "0") + "\n";
-  prop += o.primaryName + "=0\n" + o.secondaryName + "=100\n";
+  prop += o.primaryName + "=0\n" + (o.secondary ? o.secondaryName + "=100\n" : "");
   if (!writeText(odm / "panelcorvane", prop, error)) return false;
 
   static const char* const kModes[4] = {"Vivid", "Nature", "Cinema", "LsRGB"};
   static const char* const kOdf[4] = {"1_max", "2_max", "1_100nit", "2_100nit"};
   std::string serials;
-  for (int panel = 0; panel < 2; ++panel) {
+  for (int panel = 0; panel < (o.secondary ? 2 : 1); ++panel) {
     const std::string& name = panel == 0 ? o.primaryName : o.secondaryName;
     for (int mode = 0; mode < (eight ? 4 : 3); ++mode) {
       for (bool nits : {false, true}) {

@@ -34,6 +34,7 @@ struct SyntheticDeviceOptions {
   bool in100nits = true;
   bool localData = true;  // write the persist partition's optical data
   bool matched = true;    // identity stamps equal the serial numbers' stamps
+  bool secondary = true;  // false: one display only (a lot's panel on its own)
 };
 
 // Measurements of one file: `set` 1 or 2 ("_1_"/"_2_" files), `low` the 100-nit file, `golden`

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tools/lib/DeviceGrid.h"
+#include "tools/lib/JsonText.h"
 #include "tools/lib/Verify.h"
 
 namespace pctool {
@@ -16,24 +17,9 @@ std::string fmt(const char* f, double v) {
   return buf;
 }
 
-std::string num(double v) { return std::isfinite(v) ? fmt("%.4f", v) : "null"; }
+std::string num(double v) { return jsonNumber(v); }
 
-std::string quote(const std::string& s) {
-  std::string o = "\"";
-  for (unsigned char c : s) {
-    if (c == '"' || c == '\\') {
-      o += '\\';
-      o += static_cast<char>(c);
-    } else if (c < 0x20) {
-      char buf[8];
-      std::snprintf(buf, sizeof buf, "\\u%04x", c);
-      o += buf;
-    } else {
-      o += static_cast<char>(c);
-    }
-  }
-  return o + "\"";
-}
+std::string quote(const std::string& s) { return jsonQuote(s); }
 
 template <typename T, size_t N>
 std::string arr(const T (&v)[N]) {
