@@ -21,9 +21,10 @@ namespace fe = snapdragoncolor::fe;
 
 constexpr const char* kPropertyFile = "/odm/etc/PanelCorvane/panelcorvane";
 
+// Anything at the property file's place makes a tree: a broken one is reported, not skipped.
 bool isTree(const fs::path& p) {
   std::error_code ec;
-  return fs::is_regular_file(p.string() + kPropertyFile, ec);
+  return fs::exists(p.string() + kPropertyFile, ec);
 }
 
 std::string folderName(const std::string& path) {
