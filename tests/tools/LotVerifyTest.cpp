@@ -98,11 +98,41 @@ TEST_F(LotVerify, TablesAreThePluginsBitForBit) {
   expectSameAsPlugin(dir + "/C", dir + "/CS/device");
 }
 
+// A tree whose cache the plugin takes gives the figures of the tables generated in memory.
+TEST_F(LotVerify, CachedTablesGiveTheFiguresOfGeneratedOnes) {
+  pctool::SyntheticDeviceOptions o;
+  o.seed = 4;
+  std::string error;
+  ASSERT_TRUE(pctool::writeSyntheticDevice(dir + "/G/device", o, &error)) << error;
+  simulate("G/device", "S");
+  ToolRun r = run("verify --lot G/device S/device --csv both.csv");
+  ASSERT_EQ(r.status, 0) << r.err;
+  const std::string csv = slurp(dir + "/both.csv");
+  size_t generated = 0, cached = 0;
+  for (const char* display : {"PanelCorvane_primary", "PanelCorvane_secondary"}) {
+    for (const char* mode : {"0,Vivid 100-nit", "3,Nature", "7,LsRGB"}) {
+      const std::string start = std::string("device,") + display + "," + mode + ",local,";
+      const size_t first = csv.find("\n" + start), second = csv.find("\n" + start, first + 1);
+      ASSERT_NE(second, std::string::npos) << start << "\n" << csv;
+      std::string a = csv.substr(first, csv.find('\n', first + 1) - first);
+      std::string b = csv.substr(second, csv.find('\n', second + 1) - second);
+      generated += a.find(",generated,") != std::string::npos;
+      cached += b.find(",cache,") != std::string::npos;
+      EXPECT_EQ(a.replace(a.find(",generated,"), 11, ","), b.replace(b.find(",cache,"), 7, ","));
+    }
+  }
+  EXPECT_EQ(generated, 6u);
+  EXPECT_EQ(cached, 6u);
+}
+
 TEST_F(LotVerify, FaultyPanelsRunOnGoldenDataAndTheOutputsNameThem) {
   ASSERT_EQ(run("mkdevice --lot 12 L --seed 3").status, 0);
   ToolRun r = run("verify --lot L --csv l.csv --json l.json -j 2");
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_NE(r.out.find("yield: "), std::string::npos) << r.out;
+  EXPECT_NE(r.out.find("data source of the tables: 1 golden, 2 golden although the identity matched, 9 local\n"),
+            std::string::npos)
+      << r.out;
   const std::string csv = slurp(dir + "/l.csv"), json = slurp(dir + "/l.json");
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 12 * 8) << "one row per panel and mode";
   for (const auto& p : pctool::planLot(12, 3)) {

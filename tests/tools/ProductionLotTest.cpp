@@ -83,6 +83,13 @@ TEST_F(LotTrees, EachFaultIsInTheFileLotCsvNames) {
     EXPECT_EQ(slurp(tree + "/odm/etc/PanelCorvane/panelcorvane").find("secondary"), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(tree + "/mnt/vendor/persist/display/panel_id_d1"));
   }
+  // One panel type: golden data and targets alike throughout, the units' own data not.
+  const std::string odm = "/odm/etc/PanelCorvane/PanelCorvane_primary", persist = "/mnt/vendor/persist/display/";
+  for (const char* file : {"_2_max.odf", "_1_100nit.odf", "_Vivid.txt", "_LsRGB_100nits.txt"})
+    EXPECT_EQ(slurp(dir + "/L/panel-0001" + odm + file), slurp(dir + "/L/panel-0007" + odm + file)) << file;
+  EXPECT_NE(slurp(dir + "/L/panel-0001" + persist + "Loading_ON_2_max.odf"),
+            slurp(dir + "/L/panel-0007" + persist + "Loading_ON_2_max.odf"));
+  EXPECT_NE(slurp(dir + "/L/panel-0001" + persist + "panel_id"), slurp(dir + "/L/panel-0007" + persist + "panel_id"));
 }
 
 TEST_F(LotTrees, CommandLine) {

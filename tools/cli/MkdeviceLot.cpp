@@ -14,13 +14,13 @@ namespace pctool {
 const char kMkdeviceLotHelp[] =
     "\nusage: panelcorvane mkdevice --lot N DIR [--seed S] [--force] [-j N]\n"
     "\n"
-    "With --lot, writes N one-display device trees DIR/panel-0001 ... (N up to 100000), each\n"
-    "panel measured with its own seed drawn from S (default 1), and DIR/lot.csv (panel, seed,\n"
-    "fault, detail). About 2 % of the panels are faulty, at least one of each kind from 10\n"
-    "panels on: bad-crc (a local .odf with a flipped bit), mismatched-stamp (panel_id does not\n"
-    "match the serial number), missing-local (a local .odf removed). DIR must be empty or\n"
-    "missing; --force first removes lot.csv and the panel-* folders in it. -j N writes N panels\n"
-    "at a time (default: one per hardware thread).\n";
+    "With --lot, writes N one-display device trees DIR/panel-0001 ... (N up to 100000) of one\n"
+    "panel type (golden data and targets drawn from S, default 1), each unit measured with its\n"
+    "own seed, and DIR/lot.csv (panel, seed, fault, detail). About 2 % of the panels are\n"
+    "faulty, at least one of each kind from 10 panels on: bad-crc (a local .odf with a flipped\n"
+    "bit), mismatched-stamp (panel_id does not match the serial number), missing-local (a\n"
+    "local .odf removed). DIR must be empty or missing; --force first removes lot.csv and the\n"
+    "panel-* folders in it. -j N writes N panels at a time (default: one per hardware thread).\n";
 
 namespace {
 

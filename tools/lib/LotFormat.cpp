@@ -55,7 +55,10 @@ std::string lotJsonText(const std::vector<LotPanelResult>& results, const LotSum
                   ",\"yield\":" + jsonNumber(s.yield) + ",\n \"histogram\":{\"of\":\"p95_de2000 per mode\",\"bin_width\":" +
                   jsonNumber(s.binWidth) + ",\"counts\":[";
   for (size_t i = 0; i < s.bins.size(); ++i) o += (i ? "," : "") + std::to_string(s.bins[i]);
-  o += "]},\n \"outliers\":[";
+  o += "]},\n \"sources\":{";
+  for (const auto& [source, n] : s.sources)
+    o += std::string(o.back() == '{' ? "" : ",") + jsonQuote(source) + ":" + std::to_string(n);
+  o += "},\n \"outliers\":[";
   for (size_t i = 0; i < s.outliers.size(); ++i) o += (i ? "," : "") + jsonQuote(s.outliers[i]);
   o += "],\n \"panel_results\":[";
   for (size_t i = 0; i < results.size(); ++i) {
@@ -89,6 +92,9 @@ std::string lotSummaryText(const LotSummary& s) {
            s.panels, 100.0 * s.yield, s.maxDe);
   std::string o = buf;
   if (s.unreadable) o += std::to_string(s.unreadable) + " panels unreadable\n";
+  o += "data source of the tables:";
+  for (const auto& [source, n] : s.sources) o += " " + std::to_string(n) + " " + source + ",";
+  o.back() = '\n';
   o += "95th percentile dE00 per mode:\n";
   size_t most = 1;
   for (size_t n : s.bins) most = std::max(most, n);

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,7 @@ struct LotSummary {
   double binWidth = 0;
   std::vector<size_t> bins;  // the modes' 95th percentiles; the last bin is open-ended
   std::vector<std::string> outliers;  // "panel-0007: ..." in panel order
+  std::map<std::string, size_t> sources;  // displays by the data source of their tables
 };
 
 // Device trees named by `dirs`: a tree itself (it has odm/etc/PanelCorvane/panelcorvane), or the

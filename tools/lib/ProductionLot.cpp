@@ -42,6 +42,7 @@ bool corruptByte(const fs::path& p, std::string& error) {
 bool writePanel(const fs::path& root, const LotPanel& panel, std::string& error) {
   SyntheticDeviceOptions o;
   o.seed = panel.seed;
+  o.typeSeed = panel.typeSeed;
   o.secondary = false;
   o.matched = panel.fault != LotFault::MismatchedStamp;
   if (!writeSyntheticDevice(root.string(), o, &error)) return false;
@@ -70,10 +71,12 @@ const char* lotFaultName(LotFault fault) {
 
 std::vector<LotPanel> planLot(unsigned count, unsigned seed) {
   std::vector<LotPanel> lot(count);
+  const unsigned typeSeed = static_cast<unsigned>(mix(seed) % 0xFFFFFFFEu) + 1;
   for (unsigned i = 0; i < count; ++i) {
     char name[32];
     snprintf(name, sizeof name, "panel-%04u", i + 1);
     lot[i].name = name;
+    lot[i].typeSeed = typeSeed;
     // Never 0, and far apart: neighbouring panels share nothing but the panel type.
     lot[i].seed = static_cast<unsigned>(mix((static_cast<uint64_t>(seed) << 32) | i) % 0xFFFFFFFEu) + 1;
   }

@@ -1,5 +1,6 @@
-// A synthetic production lot: N one-display device trees DIR/panel-0001 ... (mkdevice's trees,
-// each panel with its own seed), a few of them faulty the way panels from a line are, and
+// A synthetic production lot: N one-display device trees DIR/panel-0001 ... (mkdevice's trees:
+// one panel type, so the same golden data and targets throughout, and each unit measured with
+// its own seed), a few of them faulty the way panels from a line are, and
 // DIR/lot.csv naming every panel's seed and fault so a test knows what to expect of each.
 //
 // Faults, about 2 % of the lot and at least one of each kind from 10 panels on:
@@ -20,7 +21,8 @@ const char* lotFaultName(LotFault fault);  // "none", "bad-crc", ...
 
 struct LotPanel {
   std::string name;  // "panel-0001"
-  unsigned seed = 0;
+  unsigned seed = 0;      // the unit: its own measurements and serial number
+  unsigned typeSeed = 0;  // the panel type (golden data, targets), shared by the lot
   LotFault fault = LotFault::None;
   std::string detail;  // the file the fault is in, relative to the panel's tree
 };
