@@ -125,6 +125,23 @@ TEST_F(LotVerify, CachedTablesGiveTheFiguresOfGeneratedOnes) {
   EXPECT_EQ(cached, 6u);
 }
 
+// The plugin sees the serial number through the driver's 41-byte argument: characters after the
+// 40th never reach the comparison, a short one fails it.
+TEST_F(LotVerify, IdentityIsJudgedOnWhatTheDriverHandsOver) {
+  pctest::LogCapture quiet;
+  pctool::SyntheticDeviceOptions o;
+  std::string error;
+  ASSERT_TRUE(pctool::writeSyntheticDevice(dir + "/D", o, &error)) << error;
+  const std::string serial0 = pctool::syntheticSerial(o.seed, 0), serial1 = pctool::syntheticSerial(o.seed, 1);
+  root.write("/D/dev/tarnu_display", serial0 + "FFFF\r\n" + serial1.substr(0, 39) + "\n");
+  EXPECT_TRUE(pctool::identityMatches(dir + "/D", 0));
+  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 1));
+  root.write("/D/dev/tarnu_display", serial0 + "\n");
+  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 1)) << "no line for panel 1";
+  root.remove("/D/mnt/vendor/persist/display/panel_id");
+  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 0)) << "no identity stamp";
+}
+
 TEST_F(LotVerify, FaultyPanelsRunOnGoldenDataAndTheOutputsNameThem) {
   ASSERT_EQ(run("mkdevice --lot 12 L --seed 3").status, 0);
   ToolRun r = run("verify --lot L --csv l.csv --json l.json -j 2");

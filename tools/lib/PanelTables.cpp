@@ -9,6 +9,7 @@
 #include "frontend/OdfLayout.h"
 #include "frontend/OdfReader.h"
 #include "frontend/TargetReader.h"
+#include "tarnu_display/panel_ioctl.h"
 #include "tools/lib/DataSource.h"
 #include "tools/lib/TableSource.h"
 
@@ -138,7 +139,8 @@ bool identityMatches(const std::string& dir, uint32_t panel) {
   }
   std::string serial = text.substr(start, text.find('\n', start) - start);
   if (!serial.empty() && serial.back() == '\r') serial.pop_back();
-  serial = serial.substr(0, std::min(std::strlen(serial.c_str()), kIdBuf - 1));
+  // The driver hands over at most its argument's size less the terminator.
+  serial = serial.substr(0, std::min(std::strlen(serial.c_str()), tarnu_display::kSerialArgSize - 1));
   if (serial.size() < 40) return false;  // the driver's answer is judged by its length
   std::memcpy(sn, serial.data(), serial.size());
   snapdragoncolor::PanelCorvaneBE backend(nullptr);
