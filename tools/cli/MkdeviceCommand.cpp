@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "tools/cli/Command.h"
+#include "tools/cli/LotCommands.h"
 #include "tools/lib/SyntheticDevice.h"
 
 namespace pctool {
@@ -53,6 +54,8 @@ int usage(const std::string& why) {
 }
 
 int run(const std::vector<std::string>& args) {
+  for (const auto& a : args)
+    if (a == "--lot" || a.rfind("--lot=", 0) == 0) return runMkdeviceLot(args);
   SyntheticDeviceOptions o;
   std::string dir;
   bool force = false;
@@ -121,7 +124,8 @@ int run(const std::vector<std::string>& args) {
   return kOk;
 }
 
-Registrar reg({"mkdevice", "write a synthetic device tree", kHelp, run});
+const std::string kFullHelp = std::string(kHelp) + kMkdeviceLotHelp;
+Registrar reg({"mkdevice", "write a synthetic device tree (or a lot of them)", kFullHelp.c_str(), run});
 
 }  // namespace
 }  // namespace pctool

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
+#include "tools/cli/LotCommands.h"
 #include "tools/cli/VerifyMeasurementFiles.h"
 #include "tools/lib/CliArgs.h"
 #include "tools/lib/Plausibility.h"
@@ -57,6 +58,8 @@ int bad(const std::string& file, const std::string& why) {
 }
 
 int run(const std::vector<std::string>& args) {
+  for (const auto& arg : args)
+    if (arg == "--lot") return runVerifyLot(args);
   ParsedArgs a;
   std::string err;
   if (parseArgs(args, {"--patches-ti1"}, {}, a, err) && a.has("--patches-ti1") && a.positional.empty())
@@ -143,7 +146,9 @@ int run(const std::vector<std::string>& args) {
   return kOk;
 }
 
-static Registrar reg({"verify", "colour error of a table (dE76 check, CIEDE2000, predicted panel error)", kHelp, run});
+const std::string kFullHelp = std::string(kHelp) + kVerifyLotHelp;
+static Registrar reg({"verify", "colour error of a table (dE76 check, CIEDE2000, predicted panel error), or of a lot",
+                      kFullHelp.c_str(), run});
 
 }  // namespace
 }  // namespace pctool

@@ -7,10 +7,10 @@
 
 namespace pctool {
 
-std::string jsonNumber(double v) {
+std::string jsonNumber(double v, int decimals) {
   if (!std::isfinite(v)) return "null";
   char buf[64];
-  std::snprintf(buf, sizeof buf, "%.4f", v);
+  std::snprintf(buf, sizeof buf, "%.*f", decimals, v);
   return buf;
 }
 

@@ -8,8 +8,8 @@
 
 namespace pctool {
 
-// Four decimals; "null" for a value that is not finite.
-std::string jsonNumber(double v);
+// `decimals` places; "null" for a value that is not finite.
+std::string jsonNumber(double v, int decimals = 4);
 // A quoted, escaped JSON string.
 std::string jsonString(const std::string& s);
 std::string jsonStrings(const std::vector<std::string>& v);

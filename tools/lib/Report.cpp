@@ -63,11 +63,6 @@ bool reportSupported() { return true; }
 
 namespace {
 
-cairo_status_t appendPng(void* closure, const unsigned char* data, unsigned int length) {
-  static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-  return CAIRO_STATUS_SUCCESS;
-}
-
 void drawHeader(cairo_t* cr, const ReportPlan& plan) {
   cairo_set_source_rgb(cr, 0.05, 0.05, 0.05);
   drawText(cr, 40, 44, plan.title, 26, Align::Left, true);
@@ -100,16 +95,7 @@ bool writeReportPng(const PanelReport& rep, const std::string& path, std::string
   drawBrightness(cr, plan);
   drawNotes(cr, plan);
 
-  std::string png;
-  cairo_status_t st = cairo_status(cr);
-  if (st == CAIRO_STATUS_SUCCESS) st = cairo_surface_write_to_png_stream(surface, appendPng, &png);
-  cairo_destroy(cr);
-  cairo_surface_destroy(surface);
-  if (st != CAIRO_STATUS_SUCCESS) {
-    error = std::string("cannot draw the page: ") + cairo_status_to_string(st);
-    return false;
-  }
-  return writeWholeFile(path, png, error);
+  return finishPng(cr, surface, path, error);
 }
 
 #endif  // PC_HAVE_CAIRO

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "tools/lib/FileAccess.h"
+
 namespace pctool {
 
 void drawText(cairo_t* cr, double x, double y, const std::string& s, double size, Align align, bool bold) {
@@ -140,6 +142,26 @@ void drawNotice(cairo_t* cr, double x, double y, double w, double h, const std::
     ty += 18;
   }
   cairo_restore(cr);
+}
+
+namespace {
+cairo_status_t appendPng(void* closure, const unsigned char* data, unsigned int length) {
+  static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+  return CAIRO_STATUS_SUCCESS;
+}
+}  // namespace
+
+bool finishPng(cairo_t* cr, cairo_surface_t* surface, const std::string& path, std::string& error) {
+  std::string png;
+  cairo_status_t st = cairo_status(cr);
+  if (st == CAIRO_STATUS_SUCCESS) st = cairo_surface_write_to_png_stream(surface, appendPng, &png);
+  cairo_destroy(cr);
+  cairo_surface_destroy(surface);
+  if (st != CAIRO_STATUS_SUCCESS) {
+    error = std::string("cannot draw the page: ") + cairo_status_to_string(st);
+    return false;
+  }
+  return writeWholeFile(path, png, error);
 }
 
 }  // namespace pctool

@@ -46,6 +46,9 @@ void drawCurve(cairo_t* cr, const Frame& f, const PlanCurve& c);
 void drawNotice(cairo_t* cr, double x, double y, double w, double h, const std::string& title,
                 const std::string& text);
 
+// Encodes what `cr` drew on `surface` as PNG and writes it to `path`; destroys both.
+bool finishPng(cairo_t* cr, cairo_surface_t* surface, const std::string& path, std::string& error);
+
 }  // namespace pctool
 
 #endif  // PC_HAVE_CAIRO

@@ -131,9 +131,14 @@ bool clearDeviceTree(const std::string& dir, std::vector<std::string>* removed, 
 }
 
 OdfMeasurements syntheticMeasurements(unsigned seed, int panel, int set, bool low, bool golden) {
+  return syntheticMeasurements(seed, seed, panel, set, low, golden);
+}
+
+OdfMeasurements syntheticMeasurements(unsigned typeSeed, unsigned unitSeed, int panel, int set, bool low,
+                                      bool golden) {
   // The panel type (golden) varies with seed and panel; each unit deviates a little from it.
-  SplitMix type(streamSeed(seed, 1, panel));
-  SplitMix unit(streamSeed(seed, 2, panel, set * 2 + (low ? 1 : 0)));
+  SplitMix type(streamSeed(typeSeed, 1, panel));
+  SplitMix unit(streamSeed(unitSeed, 2, panel, set * 2 + (low ? 1 : 0)));
   Chroma c = kOled;
   for (auto& p : c.xy)
     for (double& v : p) v += 0.004 * type.symmetric() + (golden ? 0.0 : 0.0015 * unit.symmetric());
@@ -214,6 +219,7 @@ bool writeSyntheticDevice(const std::string& dir, const SyntheticDeviceOptions& 
   const fs::path odm = root / "odm/etc/PanelCorvane";
   const fs::path persist = root / "mnt/vendor/persist/display";
   const bool eight = o.tables == 8;
+  const unsigned typeSeed = o.typeSeed != 0 ? o.typeSeed : o.seed;
 
   std::string prop = "LogLevel=1\nParamVersion=" + std::to_string(o.paramVersion) + "\n";
   prop += std::string("FWVersion=") + (eight ? "943440" : "707584") + "\n";
@@ -221,30 +227,30 @@ bool writeSyntheticDevice(const std::string& dir, const SyntheticDeviceOptions& 
   prop += "PanelCalibration=1\nPanelNitsCalibration=1\n";
   prop += std::string("GammaCorrection=") + (o.gammaCorrection ? "1" : "0") + "\n";
   prop += std::string("inParam100nits=") + (o.in100nits ? "1" : "0") + "\n";
-  prop += o.primaryName + "=0\n" + o.secondaryName + "=100\n";
+  prop += o.primaryName + "=0\n" + (o.secondary ? o.secondaryName + "=100\n" : "");
   if (!writeText(odm / "panelcorvane", prop, error)) return false;
 
   static const char* const kModes[4] = {"Vivid", "Nature", "Cinema", "LsRGB"};
   static const char* const kOdf[4] = {"1_max", "2_max", "1_100nit", "2_100nit"};
   std::string serials;
-  for (int panel = 0; panel < 2; ++panel) {
+  for (int panel = 0; panel < (o.secondary ? 2 : 1); ++panel) {
     const std::string& name = panel == 0 ? o.primaryName : o.secondaryName;
     for (int mode = 0; mode < (eight ? 4 : 3); ++mode) {
       for (bool nits : {false, true}) {
         const std::string file = name + "_" + kModes[mode] + (nits ? "_100nits" : "") + ".txt";
-        if (!writeText(odm / file, syntheticTargetText(o.seed, mode, nits), error)) return false;
+        if (!writeText(odm / file, syntheticTargetText(typeSeed, mode, nits), error)) return false;
       }
     }
     for (int k = 0; k < 4; ++k) {
       const int set = k % 2 + 1;
       const bool low = k >= 2;
       if (!writeOdf(odm / (name + "_" + kOdf[k] + ".odf"),
-                    syntheticMeasurements(o.seed, panel, set, low, true), error))
+                    syntheticMeasurements(typeSeed, o.seed, panel, set, low, true), error))
         return false;
       if (o.localData) {
         const std::string file =
             std::string("Loading_ON_") + kOdf[k] + (panel == 0 ? "" : "_d1") + ".odf";
-        if (!writeOdf(persist / file, syntheticMeasurements(o.seed, panel, set, low, false), error))
+        if (!writeOdf(persist / file, syntheticMeasurements(typeSeed, o.seed, panel, set, low, false), error))
           return false;
       }
     }

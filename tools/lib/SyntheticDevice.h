@@ -34,11 +34,16 @@ struct SyntheticDeviceOptions {
   bool in100nits = true;
   bool localData = true;  // write the persist partition's optical data
   bool matched = true;    // identity stamps equal the serial numbers' stamps
+  bool secondary = true;  // false: one display only (a lot's panel on its own)
+  unsigned typeSeed = 0;  // the panel type (golden data, targets); 0: the same as seed
 };
 
 // Measurements of one file: `set` 1 or 2 ("_1_"/"_2_" files), `low` the 100-nit file, `golden`
 // the panel type's default (no per-unit deviation).
 OdfMeasurements syntheticMeasurements(unsigned seed, int panel, int set, bool low, bool golden);
+// The same with the panel type and the unit drawn from separate seeds (a lot of one type).
+OdfMeasurements syntheticMeasurements(unsigned typeSeed, unsigned unitSeed, int panel, int set, bool low,
+                                      bool golden);
 // 20 numbers of a mode target; mode 0 Vivid, 1 Nature, 2 Cinema, 3 LsRGB.
 std::string syntheticTargetText(unsigned seed, int mode, bool nits100);
 // 40-character serial number and the identity stamp it encodes.
