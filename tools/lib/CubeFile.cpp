@@ -75,140 +75,164 @@ std::string CubeReadInfo::note() const {
   return resampled ? resampleNote(dims, size, interp) : std::string();
 }
 
-bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
-                     std::string& error, Interp interp) {
-  std::string text;
-  {
-    std::vector<char> buf(64 * 1024);
-    while (is && text.size() <= kMaxFileBytes) {
-      is.read(buf.data(), static_cast<std::streamsize>(buf.size()));
-      text.append(buf.data(), static_cast<size_t>(is.gcount()));
-    }
+namespace {
+
+// Reads at most one byte beyond the limit, so an oversized file is told without holding it.
+bool readBounded(std::istream& is, std::string& text, std::string& error) {
+  std::vector<char> buf(64 * 1024);
+  while (is && text.size() <= CubeFile::kMaxFileBytes) {
+    is.read(buf.data(), static_cast<std::streamsize>(buf.size()));
+    text.append(buf.data(), static_cast<size_t>(is.gcount()));
   }
-  if (text.size() > kMaxFileBytes) {
-    error = "larger than " + std::to_string(kMaxFileBytes >> 20) + " MiB: not a .cube of at most " +
-            std::to_string(kMax3dSize) + " nodes";
+  if (text.size() > CubeFile::kMaxFileBytes) {
+    error = "larger than " + std::to_string(CubeFile::kMaxFileBytes >> 20) +
+            " MiB: not a .cube of at most " + std::to_string(kMax3dSize) + " nodes";
     return false;
   }
   if (text.find('\0') != std::string::npos) {
     error = "binary data: not a .cube text file";
     return false;
   }
+  return true;
+}
 
+// One pass over the lines: header keywords, then the table rows. Each step returns false with
+// `error` naming the line.
+class CubeParser {
+ public:
+  CubeParser(CubeReadInfo& info, std::string& error) : info_(info), error_(error) {}
+
+  bool line(size_t lineNo, const char* s) {
+    lineNo_ = lineNo;
+    return std::isupper(static_cast<unsigned char>(*s)) ? keyword(s) : row(s);
+  }
+
+  // After the last line: the table complete, its values in `cube`.
+  bool finish(CubeTable& cube) {
+    if (expected_ == 0) return fail("not a .cube table (no LUT_3D_SIZE or LUT_1D_SIZE line)");
+    if (rows_ < expected_)
+      return fail("too short: " + std::to_string(rows_) + " of " + std::to_string(expected_) +
+                  " table lines");
+    cube = std::move(cube_);
+    return true;
+  }
+
+ private:
+  bool fail(const std::string& what) { return error_ = what, false; }
+  bool failAt(const std::string& what) { return fail(lineError(lineNo_, what)); }
+
+  bool keyword(const char* s) {
+    const char* kwEnd = s;
+    while (*kwEnd && *kwEnd != ' ' && *kwEnd != '\t') ++kwEnd;
+    const std::string kw(s, kwEnd);
+    if (rows_ > 0) return failAt("malformed: keyword " + kw + " after table data");
+    const char* arg = kwEnd;
+    while (*arg == ' ' || *arg == '\t') ++arg;
+    if (kw == "TITLE") return title(arg);
+    if (kw == "LUT_3D_SIZE" || kw == "LUT_1D_SIZE") return size(kw, arg);
+    if (kw == "DOMAIN_MIN" || kw == "DOMAIN_MAX") return domain(kw, arg);
+    if (kw == "LUT_3D_INPUT_RANGE" || kw == "LUT_1D_INPUT_RANGE") {
+      double v[2];
+      if (!parseNumbers(arg, v, 2)) return failAt("malformed");
+      if (v[0] != 0.0 || v[1] != 1.0) return failAt("unsupported: " + kw + " must be 0 1");
+      return true;
+    }
+    return failAt("malformed: unknown keyword " + kw);
+  }
+
+  bool title(const char* arg) {
+    if (haveTitle_) return failAt("malformed: second TITLE");
+    haveTitle_ = true;
+    std::string t(arg);
+    if (t.size() >= 2 && t.front() == '"') {
+      size_t q = t.find('"', 1);
+      if (q == std::string::npos) return failAt("malformed: unterminated TITLE");
+      t = t.substr(1, q - 1);
+    }
+    info_.title = t;
+    return true;
+  }
+
+  bool size(const std::string& kw, const char* arg) {
+    const uint32_t dims = kw == "LUT_3D_SIZE" ? 3 : 1;
+    if (expected_ > 0)
+      return failAt(dims == cube_.dims ? "malformed: second " + kw
+                                       : "unsupported: both LUT_1D_SIZE and LUT_3D_SIZE");
+    char* e = nullptr;
+    errno = 0;
+    long n = std::strtol(arg, &e, 10);
+    while (e && (*e == ' ' || *e == '\t')) ++e;
+    if (e == arg || *e != '\0' || errno == ERANGE) return failAt("malformed");
+    const long most = dims == 3 ? kMax3dSize : kMax1dSize;
+    if (n < static_cast<long>(kMinCubeSize) || n > most)
+      return failAt("unsupported: " + kw + " " + std::to_string(n) + " (" +
+                    std::to_string(kMinCubeSize) + ".." + std::to_string(most) + ")");
+    cube_.dims = dims;
+    cube_.size = static_cast<uint32_t>(n);
+    expected_ = cubeRows(cube_.dims, cube_.size);
+    cube_.values.reserve(static_cast<size_t>(expected_) * 3);
+    return true;
+  }
+
+  bool domain(const std::string& kw, const char* arg) {
+    const bool isMin = kw == "DOMAIN_MIN";
+    bool& seen = isMin ? haveMin_ : haveMax_;
+    if (seen) return failAt("malformed: second " + kw);
+    seen = true;
+    double v[3];
+    if (!parseNumbers(arg, v, 3)) return failAt("malformed");
+    const double want = isMin ? 0.0 : 1.0;
+    if (v[0] != want || v[1] != want || v[2] != want)
+      return failAt(std::string("unsupported: ") + kw + " must be " + (isMin ? "0 0 0" : "1 1 1"));
+    return true;
+  }
+
+  bool row(const char* s) {
+    if (expected_ == 0) return failAt("malformed: table data before LUT_3D_SIZE");
+    if (rows_ >= expected_)
+      return failAt("malformed: more than " + std::to_string(expected_) + " table lines");
+    double v[3];
+    if (!parseNumbers(s, v, 3)) return failAt("malformed");
+    ++rows_;
+    for (double x : v) {
+      if (x < 0.0 || x > 1.0) {
+        ++info_.clamped;
+        x = x < 0.0 ? 0.0 : 1.0;
+      }
+      cube_.values.push_back(x);
+    }
+    return true;
+  }
+
+  CubeReadInfo& info_;
+  std::string& error_;
+  CubeTable cube_;
+  size_t lineNo_ = 0;
+  bool haveTitle_ = false, haveMin_ = false, haveMax_ = false;
+  uint64_t expected_ = 0;  // rows the size line announced; 0 before it
+  uint64_t rows_ = 0;
+};
+
+}  // namespace
+
+bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
+                     std::string& error, Interp interp) {
+  std::string text;
+  if (!readBounded(is, text, error)) return false;
   setDeviceGrid(lut, lutId);
   info = CubeReadInfo{};
   info.interp = interp;
-  CubeTable cube;
-  bool haveTitle = false, haveMin = false, haveMax = false;
-  uint64_t expected = 0;  // rows the size line announced; 0 before it
-  uint64_t rows = 0;
+  error.clear();
+  CubeParser parser(info, error);
   TextLines lines(text, kMaxLineBytes);
   std::string line;
-  error.clear();
   while (lines.next(line, error)) {
-    const size_t lineNo = lines.lineNo();
-    size_t first = line.find_first_not_of(" \t");
+    const size_t first = line.find_first_not_of(" \t");
     if (first == std::string::npos || line[first] == '#') continue;
-    const char* s = line.c_str() + first;
-
-    if (std::isupper(static_cast<unsigned char>(*s))) {
-      const char* kwEnd = s;
-      while (*kwEnd && *kwEnd != ' ' && *kwEnd != '\t') ++kwEnd;
-      std::string kw(s, kwEnd);
-      if (rows > 0) {
-        error = lineError(lineNo, "malformed: keyword " + kw + " after table data");
-        return false;
-      }
-      const char* arg = kwEnd;
-      while (*arg == ' ' || *arg == '\t') ++arg;
-      if (kw == "TITLE") {
-        if (haveTitle) return error = lineError(lineNo, "malformed: second TITLE"), false;
-        haveTitle = true;
-        std::string t(arg);
-        if (t.size() >= 2 && t.front() == '"') {
-          size_t q = t.find('"', 1);
-          if (q == std::string::npos) return error = lineError(lineNo, "malformed: unterminated TITLE"), false;
-          t = t.substr(1, q - 1);
-        }
-        info.title = t;
-      } else if (kw == "LUT_3D_SIZE" || kw == "LUT_1D_SIZE") {
-        const uint32_t dims = kw == "LUT_3D_SIZE" ? 3 : 1;
-        if (expected > 0) {
-          error = lineError(lineNo, dims == cube.dims ? "malformed: second " + kw
-                                                      : "unsupported: both LUT_1D_SIZE and LUT_3D_SIZE");
-          return false;
-        }
-        char* e = nullptr;
-        errno = 0;
-        long n = std::strtol(arg, &e, 10);
-        while (e && (*e == ' ' || *e == '\t')) ++e;
-        if (e == arg || *e != '\0' || errno == ERANGE) return error = lineError(lineNo, "malformed"), false;
-        const long most = dims == 3 ? kMax3dSize : kMax1dSize;
-        if (n < static_cast<long>(kMinCubeSize) || n > most) {
-          error = lineError(lineNo, "unsupported: " + kw + " " + std::to_string(n) + " (" +
-                                        std::to_string(kMinCubeSize) + ".." + std::to_string(most) + ")");
-          return false;
-        }
-        cube.dims = dims;
-        cube.size = static_cast<uint32_t>(n);
-        expected = cubeRows(cube.dims, cube.size);
-        cube.values.reserve(static_cast<size_t>(expected) * 3);
-      } else if (kw == "DOMAIN_MIN" || kw == "DOMAIN_MAX") {
-        bool isMin = kw == "DOMAIN_MIN";
-        bool& seen = isMin ? haveMin : haveMax;
-        if (seen) return error = lineError(lineNo, "malformed: second " + kw), false;
-        seen = true;
-        double v[3];
-        if (!parseNumbers(arg, v, 3)) return error = lineError(lineNo, "malformed"), false;
-        double want = isMin ? 0.0 : 1.0;
-        if (v[0] != want || v[1] != want || v[2] != want) {
-          error = lineError(lineNo, std::string("unsupported: ") + kw + " must be " +
-                                        (isMin ? "0 0 0" : "1 1 1"));
-          return false;
-        }
-      } else if (kw == "LUT_3D_INPUT_RANGE" || kw == "LUT_1D_INPUT_RANGE") {
-        double v[2];
-        if (!parseNumbers(arg, v, 2)) return error = lineError(lineNo, "malformed"), false;
-        if (v[0] != 0.0 || v[1] != 1.0)
-          return error = lineError(lineNo, "unsupported: " + kw + " must be 0 1"), false;
-      } else {
-        error = lineError(lineNo, "malformed: unknown keyword " + kw);
-        return false;
-      }
-      continue;
-    }
-
-    if (expected == 0) {
-      error = lineError(lineNo, "malformed: table data before LUT_3D_SIZE");
-      return false;
-    }
-    if (rows >= expected) {
-      error = lineError(lineNo, "malformed: more than " + std::to_string(expected) + " table lines");
-      return false;
-    }
-    double v[3];
-    if (!parseNumbers(s, v, 3)) {
-      error = lineError(lineNo, "malformed");
-      return false;
-    }
-    ++rows;
-    for (double x : v) {
-      if (x < 0.0 || x > 1.0) {
-        ++info.clamped;
-        x = x < 0.0 ? 0.0 : 1.0;
-      }
-      cube.values.push_back(x);
-    }
+    if (!parser.line(lines.lineNo(), line.c_str() + first)) return false;
   }
-  if (!error.empty()) return false;
-  if (expected == 0) {
-    error = "not a .cube table (no LUT_3D_SIZE or LUT_1D_SIZE line)";
-    return false;
-  }
-  if (rows < expected) {
-    error = "too short: " + std::to_string(rows) + " of " + std::to_string(expected) + " table lines";
-    return false;
-  }
+  CubeTable cube;
+  if (!error.empty() || !parser.finish(cube)) return false;
   info.dims = cube.dims;
   info.size = cube.size;
   info.resampled = !(cube.dims == 3 && cube.size == kGrid);
@@ -219,12 +243,13 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
   // Node for node: the device grid's levels are this file's nodes.
   for (uint32_t n = 0; n < kEntries; ++n)
     for (int c = 0; c < 3; ++c)
-      lut.entries[n].out[c] = static_cast<uint32_t>(std::lround(cube.values[3 * n + c] * kFullScale));
+      lut.entries[n].out[c] =
+          static_cast<uint32_t>(std::lround(cube.values[3 * n + c] * kFullScale));
   return true;
 }
 
-bool CubeFile::readFile(const std::string& path, lut3d_info& lut, uint32_t lutId, CubeReadInfo& info,
-                        std::string& error, Interp interp) {
+bool CubeFile::readFile(const std::string& path, lut3d_info& lut, uint32_t lutId,
+                        CubeReadInfo& info, std::string& error, Interp interp) {
   if (!checkInputFile(path, error)) return false;
   std::ifstream is(path, std::ios::binary);
   if (!is) {

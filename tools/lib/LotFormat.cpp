@@ -60,6 +60,8 @@ std::string lotJsonText(const std::vector<LotPanelResult>& results, const LotSum
     o += std::string(o.back() == '{' ? "" : ",") + jsonString(source) + ":" + std::to_string(n);
   o += "},\n \"outliers\":[";
   for (size_t i = 0; i < s.outliers.size(); ++i) o += (i ? "," : "") + jsonString(s.outliers[i]);
+  o += "],\n \"off_own_data\":[";
+  for (size_t i = 0; i < s.offOwnData.size(); ++i) o += (i ? "," : "") + jsonString(s.offOwnData[i]);
   o += "],\n \"panel_results\":[";
   for (size_t i = 0; i < results.size(); ++i) {
     const LotPanelResult& r = results[i];
@@ -95,6 +97,7 @@ std::string lotSummaryText(const LotSummary& s) {
   o += "data source of the tables:";
   for (const auto& [source, n] : s.sources) o += " " + std::to_string(n) + " " + source + ",";
   o.back() = '\n';
+  for (const auto& line : s.offOwnData) o += "  not on its own optical data: " + line + "\n";
   o += "95th percentile dE00 per mode:\n";
   size_t most = 1;
   for (size_t n : s.bins) most = std::max(most, n);

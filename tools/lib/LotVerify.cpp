@@ -167,7 +167,10 @@ LotSummary summariseLot(const std::vector<LotPanelResult>& results, double maxDe
     for (const auto& m : r.modes)
       if (m.table >= 0) ++s.bins[std::min<size_t>(12, static_cast<size_t>(m.p95 / s.binWidth))];
     if (r.error.empty()) worst.push_back(r.worst());
-    for (const auto& d : r.displays) ++s.sources[d.source];
+    for (const auto& d : r.displays) {
+      ++s.sources[d.source];
+      if (d.source != "local") s.offOwnData.push_back(r.name + " " + d.name + ": " + d.source);
+    }
   }
   s.yield = s.panels ? static_cast<double>(s.passed) / s.panels : 0;
   // Far out (Tukey): beyond the third quartile by three interquartile ranges.

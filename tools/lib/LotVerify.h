@@ -54,6 +54,9 @@ struct LotSummary {
   std::vector<size_t> bins;  // the modes' 95th percentiles; the last bin is open-ended
   std::vector<std::string> outliers;  // "panel-0007: ..." in panel order
   std::map<std::string, size_t> sources;  // displays by the data source of their tables
+  // "panel-0007 PanelCorvane_primary: golden" for every display whose tables do not come from
+  // its own optical data: on the line, such a panel left calibration without it.
+  std::vector<std::string> offOwnData;
 };
 
 // Device trees named by `dirs`: a tree itself (it has odm/etc/PanelCorvane/panelcorvane), or the
