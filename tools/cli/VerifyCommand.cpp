@@ -11,13 +11,14 @@
 #include "tools/lib/Plausibility.h"
 #include "tools/lib/TableSource.h"
 #include "tools/lib/Verify.h"
+#include "tools/lib/VerifyPage.h"
 
 namespace pctool {
 namespace {
 
 const char kHelp[] =
     "usage: panelcorvane verify TABLE [--table K] [--json] [--odf FILE --target FILE\n"
-    "                              [--measured POST.ti3]]\n"
+    "                              [--measured POST.ti3] [--png OUT]]\n"
     "       panelcorvane verify --patches-ti1 OUT\n"
     "\n"
     "TABLE is a table cache (every table, or table K), a LUT text file or a .cube. Reports:\n"
@@ -39,6 +40,8 @@ const char kHelp[] =
     "                 the table applied: the measured CIEDE2000 against the target is shown\n"
     "                 beside the predicted one. Rows are matched by RGB within 0.5 %; XYZ are\n"
     "                 taken relative to the measured white.\n"
+    "  --png OUT      a page (PNG) with the predicted and, with --measured, the measured\n"
+    "                 CIEDE2000 of each reference colour and grey level (needs cairo)\n"
     "  --patches-ti1 OUT  writes those verification patches (the 21 reference colours and the\n"
     "                 grey ramp, 8-bit code C driven at 100 * C / 255 %) as a CGATS .ti1\n"
     "\n"
@@ -66,7 +69,7 @@ int run(const std::vector<std::string>& args) {
     return writeVerifyPatchesTi1(a.value("--patches-ti1"));
   a = ParsedArgs{};
   err.clear();
-  if (!parseArgs(args, {"--table", "--odf", "--target", "--measured"}, {"--json"}, a, err) || a.positional.size() != 1) {
+  if (!parseArgs(args, {"--table", "--odf", "--target", "--measured", "--png"}, {"--json"}, a, err) || a.positional.size() != 1) {
     fprintf(stderr, "panelcorvane verify: %s\n%s", err.empty() ? "needs one TABLE" : err.c_str(), kHelp);
     return kUsage;
   }
@@ -74,10 +77,11 @@ int run(const std::vector<std::string>& args) {
     fprintf(stderr, "panelcorvane verify: --odf and --target go together\n");
     return kUsage;
   }
-  if (a.has("--measured") && !a.has("--odf")) {
-    fprintf(stderr, "panelcorvane verify: --measured needs --odf and --target\n");
-    return kUsage;
-  }
+  for (const char* needsTarget : {"--measured", "--png"})
+    if (a.has(needsTarget) && !a.has("--odf")) {
+      fprintf(stderr, "panelcorvane verify: %s needs --odf and --target\n", needsTarget);
+      return kUsage;
+    }
   int index = -1;
   if (a.has("--table") && !parseIndex(a.value("--table"), 8, index)) {
     fprintf(stderr, "panelcorvane verify: --table wants 0..7, not '%s'\n", a.value("--table").c_str());
@@ -133,6 +137,8 @@ int run(const std::vector<std::string>& args) {
     }
     results.push_back(std::move(r));
   }
+  if (a.has("--png") && !drawVerifyPage(a.value("--png"), results.front(), err))
+    return bad(a.value("--png"), err);
   if (a.has("--json")) {
     fputs(toJson(results).c_str(), stdout);
   } else {
