@@ -54,6 +54,21 @@ class ColorimeterFiles : public pctest::ToolRunner {
     const std::string cmd = "cd '" + dir + "' && fakeread " + kP3Profile + " " + base + " > /dev/null 2>&1";
     ASSERT_EQ(std::system(cmd.c_str()), 0) << "fakeread refused " << base << ".ti1";
   }
+  // The panel (Argyll's P3 display) read through our patch set into panel.odf; an identity
+  // table and the sRGB target beside it.
+  void measureP3Panel() {
+    identityAndTarget();
+    ASSERT_EQ(run("odf patches --ti1 panel.ti1").status, 0);
+    fakeread("panel");
+    ASSERT_EQ(run("odf write panel.odf --ti3 panel.ti3").status, 0);
+  }
+  void readPanelAndTarget(pctool::OpticalDataFile& odf, pctool::TargetParm& target) {
+    std::string err;
+    pctool::OdfCheck check;
+    int count = 0;
+    ASSERT_TRUE(pctool::readOdfFile(dir + "/panel.odf", odf, check, err)) << err;
+    ASSERT_TRUE(pctool::readTargetFile(dir + "/srgb.txt", target, count, err)) << err;
+  }
   // An identity table and an sRGB target, gamma 2.2.
   void identityAndTarget() {
     std::string cube = "LUT_3D_SIZE 17\n";
@@ -217,10 +232,7 @@ TEST_F(ColorimeterFiles, MeasuredErrorOfAnArgyllPanelMatchesThePrediction) {
   const std::string why = argyllMissing();
   if (!why.empty()) GTEST_SKIP() << why;
   ASSERT_TRUE(haveTool());
-  identityAndTarget();
-  ASSERT_EQ(run("odf patches --ti1 panel.ti1").status, 0);
-  fakeread("panel");
-  ASSERT_EQ(run("odf write panel.odf --ti3 panel.ti3").status, 0);
+  ASSERT_NO_FATAL_FAILURE(measureP3Panel());
   ASSERT_EQ(run("verify --patches-ti1 post.ti1").status, 0);
   fakeread("post");
   ToolRun r = run("verify identity.cube --odf panel.odf --target srgb.txt --measured post.ti3");
@@ -235,11 +247,8 @@ TEST_F(ColorimeterFiles, MeasuredErrorOfAnArgyllPanelMatchesThePrediction) {
   std::string err;
   ASSERT_TRUE(pctool::loadTables(dir + "/identity.cube", tables, err)) << err;
   pctool::OpticalDataFile odf;
-  pctool::OdfCheck check;
   pctool::TargetParm target{};
-  int count = 0;
-  ASSERT_TRUE(pctool::readOdfFile(dir + "/panel.odf", odf, check, err)) << err;
-  ASSERT_TRUE(pctool::readTargetFile(dir + "/srgb.txt", target, count, err)) << err;
+  ASSERT_NO_FATAL_FAILURE(readPanelAndTarget(odf, target));
   pctool::Prediction p;
   ASSERT_TRUE(pctool::predict(*tables[0].lut, odf, target, p, err)) << err;
   pctool::Measurements readings;
@@ -264,18 +273,12 @@ TEST_F(ColorimeterFiles, AnArgyllPanelCalibratedFromItsOwnReadingsMeetsTheTarget
   const std::string why = argyllMissing();
   if (!why.empty()) GTEST_SKIP() << why;
   ASSERT_TRUE(haveTool());
-  identityAndTarget();
-  ASSERT_EQ(run("odf patches --ti1 panel.ti1").status, 0);
-  fakeread("panel");
-  ASSERT_EQ(run("odf write panel.odf --ti3 panel.ti3").status, 0);
+  ASSERT_NO_FATAL_FAILURE(measureP3Panel());
 
   std::string err;
   pctool::OpticalDataFile odf;
-  pctool::OdfCheck check;
   pctool::TargetParm target{};
-  int count = 0;
-  ASSERT_TRUE(pctool::readOdfFile(dir + "/panel.odf", odf, check, err)) << err;
-  ASSERT_TRUE(pctool::readTargetFile(dir + "/srgb.txt", target, count, err)) << err;
+  ASSERT_NO_FATAL_FAILURE(readPanelAndTarget(odf, target));
   auto lut = std::make_unique<snapdragoncolor::lut3d_info>();
   pctool::setDeviceGrid(*lut, 0);
   snapdragoncolor::fe::generateLut3D(odf, target, {}, *lut);
