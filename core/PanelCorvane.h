@@ -85,7 +85,10 @@ class PanelCorvane : public ScPostBlendInterface,
   };
 
   using MixLut3DAidl = ::snapdragoncolor::MixLut3DAidl;
+  // Written once by the first primary object's worker; every object of panel index 0 starts the
+  // services, so mAidl and the HIDL registration are checked and set under sServicesLock.
   static std::shared_ptr<MixLut3DAidl> mAidl;
+  static std::mutex sServicesLock;
 
   // Property and op handlers.
   int GetModeList(ScPayload* payload);

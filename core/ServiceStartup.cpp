@@ -37,25 +37,30 @@ void PanelCorvane::onHelpServiceInit() {
 
 void PanelCorvane::initHidlService() {
   if (mPanelIndex != 0 || sIsHidlRegitsered) return;
-  for (int attempt = 1; attempt <= kAttempts; ++attempt) {
-    if (registerAsService("default") == android::OK) {
-      PC_LOGD("register hidl done!\n");
-      mHidlService = true;
-      sIsHidlRegitsered = true;
-      return;
+  for (int attempt = 1;; ++attempt) {
+    {
+      std::lock_guard<std::mutex> lock(sServicesLock);
+      if (sIsHidlRegitsered) return;  // another panel's worker got there first
+      if (registerAsService("default") == android::OK) {
+        PC_LOGD("register hidl done!\n");
+        mHidlService = true;
+        sIsHidlRegitsered = true;
+        return;
+      }
     }
     PC_LOGE("Failed to register hidl!\n");
     if (attempt == kAttempts) return;
     devio::sleepSeconds(1);
-    if (sIsHidlRegitsered) return;  // another panel's worker got there first
   }
 }
 
 std::shared_ptr<PanelCorvane::MixLut3DAidl> PanelCorvane::mAidl;
+std::mutex PanelCorvane::sServicesLock;
 
 void PanelCorvane::initAidlService() {
   if (mPanelIndex != 0) return;
   PC_LOGD("AIDL:start\n");
+  std::lock_guard<std::mutex> lock(sServicesLock);
   if (mAidl) return;
   mAidl = ::ndk::SharedRefBase::make<MixLut3DAidl>();
   const std::string instance = std::string(MixLut3DAidl::descriptor) + "/default";

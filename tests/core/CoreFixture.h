@@ -74,6 +74,11 @@ class CoreTest : public ::testing::Test {
     resetSharedState();
     resetCaches();
     pchost::clearServices();
+    resetAidl();
+  }
+  // A worker may still be starting the services of an object the test made.
+  static void resetAidl() {
+    std::lock_guard<std::mutex> lock(snapdragoncolor::PanelCorvane::sServicesLock);
     snapdragoncolor::PanelCorvane::mAidl.reset();
   }
   void TearDown() override {
@@ -81,7 +86,7 @@ class CoreTest : public ::testing::Test {
       if (p->initDone()) p->DeInit();
     }
     pchost::clearServices();
-    snapdragoncolor::PanelCorvane::mAidl.reset();
+    resetAidl();
     for (auto* p : panels) delete p;
     panels.clear();
     resetSharedState();

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
@@ -91,6 +93,27 @@ TEST_F(LifecycleTest, SecondObjectOnTakenIndexIsWarnedAbout) {
   EXPECT_EQ(PanelCorvaneBase::sSecondaryPanel.load(), static_cast<PanelCorvaneBase*>(c));
   EXPECT_EQ(c->mPanelIndex, 1u);
   EXPECT_EQ(log.count("1-Init: warning: reinit panel, cfg error!"), 1);
+}
+
+// Every object of panel index 0 starts the services on its own worker: they must be published
+// once however the workers interleave (TSan saw two of them write the AIDL service at once).
+TEST_F(LifecycleTest, ObjectsOfThePrimaryIndexPublishTheServicesOnce) {
+  writeProps("a=10\nb=20\nc=30\n");
+  const std::string names[4] = {"primary", "a", "b", "c"};
+  for (int round = 0; round < 10; ++round) {
+    std::vector<PanelCorvane*> objects;
+    for (int i = 0; i < 4; ++i) objects.push_back(make());
+    for (int i = 0; i < 4; ++i) objects[i]->Init(names[i]);
+    ASSERT_TRUE(pctest::settle());
+    EXPECT_EQ(log.count("1-initAidlService: AIDL:start"), 4) << "every object tries";
+    EXPECT_EQ(log.count("1-initHidlService: register hidl done!"), 1) << "round " << round;
+    EXPECT_EQ(log.count("1-initAidlService: AIDL:vendor.tarnu.hardware.display.MixLut3D.IMixLut3D/default OK!"), 1)
+        << "round " << round;
+    for (PanelCorvane* p : objects) p->DeInit();
+    resetAidl();
+    PanelCorvaneBase::sIsHidlRegitsered = false;
+    log.clear();
+  }
 }
 
 TEST_F(LifecycleTest, DestroyedObjectLeavesThePanelRegistry) {
