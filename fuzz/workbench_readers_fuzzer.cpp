@@ -1,8 +1,9 @@
 // The workbench's readers of what engineers hand it: .cube files, session scripts, the
 // measurement text of `odf write`, `inspect`, which must name any file's kind
 // (cache, LUT text, .odf, .cube or unknown) and read it as that kind, and CGATS colorimeter
-// files (.ti3) through to an .odf and a measured verification. Input: one byte choosing the
-// reader (0 .cube, 1 session, 2 measurement text, 3 inspect, 4 CGATS), then the text or bytes.
+// files (.ti3) through to an .odf and a measured verification, and the colour lists `apply`
+// takes. Input: one byte choosing the reader (0 .cube, 1 session, 2 measurement text, 3 inspect,
+// 4 CGATS, 5 colour list), then the text or bytes.
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -13,6 +14,7 @@
 
 #include "fuzz/support/FuzzSupport.h"
 #include "snapdragoncolor/sc_color_records.h"
+#include "tools/lib/ColourCsv.h"
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/FileInfo.h"
 #include "tools/lib/MeasuredVerify.h"
@@ -28,7 +30,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
-  const int reader = data[0] % 5;
+  const int reader = data[0] % 6;
   const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
   std::string error;
   switch (reader) {
@@ -63,6 +65,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       std::copy(srgb, srgb + 9, target.values);
       pctool::MeasuredCheck check;
       pctool::checkMeasured(m, target, &check, &error);
+      break;
+    }
+    case 5: {
+      pctool::ColourList list;
+      if (!pctool::ColourCsv::parse(text, list, error)) break;
+      auto lut = std::make_unique<snapdragoncolor::lut3d_info>();
+      pctool::setDeviceGrid(*lut, 0);
+      pctool::ColourCsv::apply(list, *lut, pctool::Interp::Tetrahedral, pctool::NodeGrid::Device);
       break;
     }
     case 3:
