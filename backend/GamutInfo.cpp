@@ -11,7 +11,7 @@
 #include "base/Log.h"
 #include "cache/Lut3DCacheManager.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -94,4 +94,4 @@ int PanelCorvaneBE::calLut3dDelta() {
 
 void PanelCorvaneBE::dump() { PC_LOGD("%s %s\n", __DATE__, __TIME__); }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -6,7 +6,7 @@
 
 #include "base/LutGrid.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -172,4 +172,4 @@ bool LutTextFile::writeFile(const char* path, const lut3d_info& lut) {
   return fclose(out) == 0 && ok;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -16,9 +16,9 @@
 #include <string>
 
 #include "base/ReadDiagnosis.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 enum class LutTextProblem {
   None,
@@ -55,4 +55,4 @@ class LutTextFile {
   static bool writeFile(const char* path, const lut3d_info& lut);
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

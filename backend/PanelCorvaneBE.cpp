@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 PanelCorvaneBE::PanelCorvaneBE(PanelCorvaneBase* owner) : mOwner(owner) {
   if (owner != nullptr) {
@@ -22,4 +22,4 @@ const char* PanelCorvaneBE::displayName() const {
   return mOwner != nullptr ? mOwner->mName : mName;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -7,10 +7,10 @@
 #include <memory>
 
 #include "base/PanelCorvaneBase.h"
-#include "snapdragoncolor/sc_color_records.h"
-#include "snapdragoncolor/sc_post_blend_interface.h"
+#include "postblend/color_records.h"
+#include "postblend/post_blend_interface.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class PanelCorvaneBE : public PanelCorvaneBase {
  public:
@@ -59,4 +59,4 @@ class PanelCorvaneBE : public PanelCorvaneBase {
   std::unique_ptr<lut3d_info> mHookLut[kNumHooks];
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

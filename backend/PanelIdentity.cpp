@@ -18,7 +18,7 @@
 #include "base/Log.h"
 #include "tarnu_display/panel_ioctl.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -178,4 +178,4 @@ bool PanelCorvaneBE::transferAndCmp(char* sn, char* factoryId) {
   return true;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -17,7 +17,7 @@
 #include "base/Trace.h"
 #include "config/Prop.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 std::atomic<int> PanelCorvaneBE::sGCDisable{-1};
 std::atomic<int> PanelCorvaneBE::sIGCDisable{-1};
@@ -255,4 +255,4 @@ int PanelCorvaneBE::ProcessModeRenderIntent(const ScPayload& input, ScPayload* o
   return 0;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

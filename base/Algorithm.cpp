@@ -10,7 +10,7 @@
 #include "base/De76Report.h"
 #include "base/Log.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -70,4 +70,4 @@ int Algorithm::check3DLut(lut3d_info& lut) {
   return r.pass ? 0 : -1;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class Algorithm {
  public:
@@ -18,4 +18,4 @@ class Algorithm {
   static uint32_t crc_cal_by_bit(unsigned char* data, unsigned int length);
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -3,7 +3,7 @@
 // form so that the two agree on every byte.
 #include "base/Algorithm.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 uint32_t Algorithm::crc_cal_by_bit(unsigned char* data, unsigned int length) {
   uint32_t crc = 0xFFFF;
@@ -19,4 +19,4 @@ uint32_t Algorithm::crc_cal_by_bit(unsigned char* data, unsigned int length) {
   return crc;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -2,7 +2,7 @@
 
 #include "base/Algorithm.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 constexpr double kFarAbove = 50.0;
@@ -33,4 +33,4 @@ De76Report de76Report(const lut3d_info& lut) {
   return r;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

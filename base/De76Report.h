@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 struct De76Report {
   struct Far {
@@ -28,4 +28,4 @@ struct De76Report {
 
 De76Report de76Report(const lut3d_info& lut);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

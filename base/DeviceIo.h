@@ -14,7 +14,7 @@
 #include <pchost/host.h>
 #endif
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace devio {
 
 #ifdef __ANDROID__
@@ -32,4 +32,4 @@ inline void sleepSeconds(unsigned s) { pchost::sleepSeconds(s); }
 #endif
 
 }  // namespace devio
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -15,7 +15,7 @@
 #define PC_LOGE_AS(fn, fmt, ...) \
   __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "1-%s: " fmt, fn, ##__VA_ARGS__)
 
-namespace snapdragoncolor {
+namespace postblend {
 
 // Log-mask bits of PanelCorvaneBase::sDebug.
 enum : uint32_t {
@@ -30,4 +30,4 @@ inline bool dbgOn(uint32_t bit) {
   return (PanelCorvaneBase::sDebug.load(std::memory_order_relaxed) & bit) != 0;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

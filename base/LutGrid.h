@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 constexpr uint32_t kLutMaxCode = 4095;
 
@@ -20,4 +20,4 @@ constexpr uint32_t lutEntryIndex(uint32_t r, uint32_t g, uint32_t b) {
 
 static_assert(lutEntryIndex(16, 16, 16) + 1 == kLut3dEntries, "entries fill the table");
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -6,7 +6,7 @@
 #include <istream>
 #include <streambuf>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class MemoryStream : private std::streambuf, public std::istream {
  public:
@@ -17,4 +17,4 @@ class MemoryStream : private std::streambuf, public std::istream {
   }
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

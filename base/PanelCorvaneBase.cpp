@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 std::atomic<uint32_t> PanelCorvaneBase::sDebug{1};
 std::atomic<bool> PanelCorvaneBase::sIsByPass{true};
@@ -41,4 +41,4 @@ PanelCorvaneBase::PanelCorvaneBase() {
   std::strcpy(mName, "NULL");
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

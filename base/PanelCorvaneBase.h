@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <mutex>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class Prop;
 
@@ -74,4 +74,4 @@ class PanelCorvaneBase {
 
 static_assert(sizeof(PanelCorvaneBase::OpticalDataFile) >= 510, "odf image holds the whole file");
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -2,7 +2,7 @@
 
 #include "base/PanelCorvaneBase.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 std::mutex PanelRegistry::sLock;
 std::condition_variable PanelRegistry::sUnpinned;
@@ -56,4 +56,4 @@ void PanelRegistry::withdraw(PanelCorvaneBase* panel) {
   sUnpinned.wait(lock, [panel] { return panel->mPins == 0; });
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

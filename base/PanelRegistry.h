@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <mutex>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class PanelCorvaneBase;
 
@@ -48,4 +48,4 @@ class PanelRegistry {
   static std::condition_variable sUnpinned;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

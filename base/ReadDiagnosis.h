@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 template <class Problem>
 struct ReadDiagnosis {
@@ -25,4 +25,4 @@ struct ReadDiagnosis {
   }
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

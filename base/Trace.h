@@ -5,7 +5,7 @@
 
 #include "base/Log.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 inline bool traceTagEnabled() { return atrace_is_tag_enabled(ATRACE_TAG_ALWAYS) != 0; }
 
@@ -35,4 +35,4 @@ class ScopedTrace {
   bool on_;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

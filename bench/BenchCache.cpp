@@ -7,9 +7,9 @@
 
 #include "cache/Lut3DCacheManager.h"
 
-using snapdragoncolor::kLut3dEntries;
-using snapdragoncolor::lut3d_info;
-using snapdragoncolor::Lut3DCacheManager;
+using postblend::kLut3dEntries;
+using postblend::lut3d_info;
+using postblend::Lut3DCacheManager;
 
 namespace {
 

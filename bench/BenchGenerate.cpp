@@ -16,10 +16,10 @@
 
 namespace {
 
-using snapdragoncolor::lut3d_info;
-using snapdragoncolor::Lut3DCacheManager;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::lut3d_info;
+using postblend::Lut3DCacheManager;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneFE;
 
 // An OLED-like panel: primaries adding up to a white of `whiteY`, grey ramp near 2.2.
 PanelCorvaneBase::OpticalDataFile panel(double whiteY) {

@@ -19,7 +19,7 @@
 
 namespace {
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 // A running primary panel whose eight tables come from a cache written here.
 struct RunningPanel {

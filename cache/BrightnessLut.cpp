@@ -13,7 +13,7 @@
 #include "cache/DeltaApply.h"
 #include "cache/Lut3DCacheManager.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -127,4 +127,4 @@ void Lut3DCacheManager::calLut3d(unsigned panel, unsigned lutIndex, unsigned bri
   if (dbgOn(kDbgVerbose)) PC_LOGD("calLut3d ---\n");
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -15,7 +15,7 @@
 #include "cache/CacheFileReader.h"
 #include "cache/Lut3DCacheManager.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 constexpr size_t kTrailerWords = Lut3DCacheManager::kTrailerBytes / sizeof(uint32_t);
@@ -104,4 +104,4 @@ void Lut3DCacheManager::saveCfgToFile(unsigned panel) {
   PC_LOGE("PANEL(%d) FW VERSION %u\n", static_cast<int>(panel), fileSizeFor(n));
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

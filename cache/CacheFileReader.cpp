@@ -6,7 +6,7 @@
 #include "base/MemoryStream.h"
 #include "cache/Lut3DCacheManager.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -69,4 +69,4 @@ CacheRead readCacheImage(const uint8_t* data, size_t size, std::vector<lut3d_inf
   return readCacheTables(in, count, tables.data());
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

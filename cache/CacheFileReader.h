@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "base/ReadDiagnosis.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 constexpr uint32_t kMaxCacheTables = 8;
 
@@ -52,4 +52,4 @@ CacheRead readCacheTables(std::istream& in, uint32_t count, lut3d_info* tables);
 // A whole cache image: its length gives the table count, `tables` is sized to it.
 CacheRead readCacheImage(const uint8_t* data, size_t size, std::vector<lut3d_info>& tables);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

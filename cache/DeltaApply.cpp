@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -83,4 +83,4 @@ void applyDeltaQ12(const lut3d_info& base, lut3d_info& target, const int32_t* de
   }
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -5,10 +5,10 @@
 
 #include <cstdint>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 void applyDeltaQ12(const lut3d_info& base, lut3d_info& target, const int32_t* deltas, uint32_t w);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

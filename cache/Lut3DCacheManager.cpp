@@ -4,7 +4,7 @@
 
 #include "base/Log.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 std::atomic<uint32_t> Lut3DCacheManager::sNumOfLut3D[kNumPanels] = {};
 PanelCfgCache Lut3DCacheManager::sPCFGPanel[kNumPanels];
@@ -74,4 +74,4 @@ const char* Lut3DCacheManager::cachePath(unsigned panel) {
   return panel == 0 ? "/data/vendor/display/cofc.fw" : "/data/vendor/display/cofc2.fw";
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

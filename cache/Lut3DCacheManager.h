@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <mutex>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 struct PanelCfgCache {
   lut3d_info* lutArray = nullptr;
@@ -53,4 +53,4 @@ class Lut3DCacheManager {
   static int32_t* slut3dDeltaPanel[kNumPanels];
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

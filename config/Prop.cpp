@@ -12,7 +12,7 @@
 #include "base/Log.h"
 #include "config/PropertyReader.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 bool Prop::Init() {
   std::string content;
@@ -123,4 +123,4 @@ bool Prop::readSharedInt(const char* key, int def, int* value) {
   return true;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

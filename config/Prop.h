@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class Prop {
  public:
@@ -45,4 +45,4 @@ class Prop {
   uint32_t mCount = 0;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 
@@ -79,4 +79,4 @@ uint32_t panelIndexOf(const std::string& value) {
   return (id >= 100 && id < 200) ? 1 : 0;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

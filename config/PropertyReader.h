@@ -17,7 +17,7 @@
 
 #include "base/ReadDiagnosis.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 constexpr size_t kMaxPropertyBytes = 1 << 20;
 
@@ -48,4 +48,4 @@ int32_t propertyInt(const std::string& value);
 // The panel index a display name's value chooses: 1 for 100..199, else 0.
 uint32_t panelIndexOf(const std::string& value);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

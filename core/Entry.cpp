@@ -5,12 +5,12 @@
 #include "base/Log.h"
 #include "core/PanelCorvane.h"
 
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::ScPostBlendInterface;
+using postblend::PanelCorvane;
+using postblend::ScPostBlendInterface;
 
 extern "C" __attribute__((visibility("default"))) ScPostBlendInterface* GetScPostBlendInterface(
     int major, int minor) {
-  if (snapdragoncolor::dbgOn(snapdragoncolor::kDbgCallStack)) android::CallStack stack(LOG_TAG);
+  if (postblend::dbgOn(postblend::kDbgCallStack)) android::CallStack stack(LOG_TAG);
   if (major == 2 && minor == 0) return new PanelCorvane();
   __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "Invalid major_version %d minor_version %d",
                       major, minor);

@@ -5,7 +5,7 @@
 #include "base/Log.h"
 #include "core/PanelCorvane.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace impl {
 
 void MessageQueue::Handler::handleMessage(const android::Message& message) {
@@ -62,4 +62,4 @@ void MessageQueue::sendMessageDelayed(int delayMs, int what) {
 }
 
 }  // namespace impl
-}  // namespace snapdragoncolor
+}  // namespace postblend

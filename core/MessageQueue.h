@@ -5,7 +5,7 @@
 #include <utils/Looper.h>
 #include <utils/StrongPointer.h>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class PanelCorvane;
 
@@ -41,4 +41,4 @@ class MessageQueue {
 };
 
 }  // namespace impl
-}  // namespace snapdragoncolor
+}  // namespace postblend

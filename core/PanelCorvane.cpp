@@ -17,7 +17,7 @@
 #include "config/Prop.h"
 #include "frontend/PanelCorvaneFE.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 constexpr uint32_t kPayloadVersion = 24;
@@ -236,4 +236,4 @@ int PanelCorvane::ProcessOps(ScOps op, const ScPayload& input, ScPayload* output
   return (this->*(it->second))(input, output);
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

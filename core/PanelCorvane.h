@@ -16,10 +16,10 @@
 #include "base/PanelCorvaneBase.h"
 #include "core/MessageQueue.h"
 #include "services/ControlTarget.h"
-#include "snapdragoncolor/sc_color_records.h"
-#include "snapdragoncolor/sc_post_blend_interface.h"
+#include "postblend/color_records.h"
+#include "postblend/post_blend_interface.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class MixLut3DAidl;
 class PanelCorvaneBE;
@@ -84,7 +84,7 @@ class PanelCorvane : public ScPostBlendInterface,
     PanelCorvane* mOwner;
   };
 
-  using MixLut3DAidl = ::snapdragoncolor::MixLut3DAidl;
+  using MixLut3DAidl = ::postblend::MixLut3DAidl;
   // Written once by the first primary object's worker; every object of panel index 0 starts the
   // services, so mAidl and the HIDL registration are checked and set under sServicesLock.
   static std::shared_ptr<MixLut3DAidl> mAidl;
@@ -167,4 +167,4 @@ class PanelCorvane : public ScPostBlendInterface,
   std::atomic<bool> mHidlService{false};
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

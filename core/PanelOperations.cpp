@@ -11,7 +11,7 @@
 #include "frontend/PanelCorvaneFE.h"
 #include "services/ControlCommands.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 using ::android::hardware::Return;
 using ::android::hardware::Void;
@@ -82,4 +82,4 @@ void PanelCorvane::dump() {
   if (mFE) mFE->dump();
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

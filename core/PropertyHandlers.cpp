@@ -6,7 +6,7 @@
 #include "base/Log.h"
 #include "core/PanelCorvane.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 void entryLogging(const char* fn) {
@@ -59,4 +59,4 @@ int PanelCorvane::ProcessModeSwAssets(const ScPayload& /*input*/, ScPayload* /*o
   return 0;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -12,7 +12,7 @@
 #include "cache/Lut3DCacheManager.h"
 #include "core/PanelCorvane.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 constexpr int kGamutSrgb = 1;
@@ -165,4 +165,4 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
   return 0;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

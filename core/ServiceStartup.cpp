@@ -11,7 +11,7 @@
 #include "core/PanelCorvane.h"
 #include "services/MixLut3DAidl.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 constexpr int kAttempts = 5;
@@ -72,4 +72,4 @@ void PanelCorvane::initAidlService() {
   PC_LOGD("AIDL:%s %s\n", instance.c_str(), status == STATUS_OK ? "OK!" : "ERROR!");
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -7,7 +7,7 @@
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 void PanelCorvane::onLoad3dLut() {
   // A regeneration started from a binder thread runs to its end first.
@@ -28,4 +28,4 @@ void PanelCorvane::onLoad3dLut() {
           static_cast<int>(mTablesReady.load()));
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

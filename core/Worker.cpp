@@ -6,7 +6,7 @@
 #include "base/Log.h"
 #include "core/PanelCorvane.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 bool PanelCorvane::MessageQueueThread::threadLoop() {
   if (mOwner == nullptr) return false;
@@ -73,4 +73,4 @@ int PanelCorvane::onRefresh() {
   return status;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

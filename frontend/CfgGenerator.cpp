@@ -13,7 +13,7 @@
 #include "frontend/PanelCorvaneFE.h"
 #include "frontend/TablePlan.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 std::atomic<int> PanelCorvaneFE::sIn100nits{-1};
 
@@ -138,4 +138,4 @@ int PanelCorvaneFE::generateCfgFile(int match) {
   return golden ? 1 : 0;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

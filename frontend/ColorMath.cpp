@@ -6,7 +6,7 @@
 
 #include "frontend/FloatOps.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 namespace {
@@ -148,4 +148,4 @@ void gridLevelsToPanel(const GridProducts& p, const unsigned level[3], float gam
 }
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -8,9 +8,9 @@
 // logs, touches a file or keeps state between calls.
 #pragma once
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 constexpr int kGridLevels = (int)kLut3dGridSize;
@@ -73,4 +73,4 @@ inline unsigned max3(unsigned a, unsigned b, unsigned c) {
 }
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

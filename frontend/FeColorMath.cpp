@@ -9,7 +9,7 @@
 #include "frontend/NumericLog.h"
 #include "frontend/PanelCorvaneFE.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 fe::Mat3 toMat3(const float (*m)[3]) {
@@ -79,4 +79,4 @@ void PanelCorvaneFE::initPreCalLutRGB(float (*m)[3]) {
 
 unsigned PanelCorvaneFE::max(unsigned a, unsigned b, unsigned c) { return fe::max3(a, b, c); }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -10,7 +10,7 @@
 #include "frontend/NumericLog.h"
 #include "frontend/PanelCorvaneFE.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 void PanelCorvaneFE::GammaCorrection(OpticalDataFile odf, TargetParm target, unsigned int* table) {
   buildGammaTable(odf, target, false, table);
@@ -33,4 +33,4 @@ void PanelCorvaneFE::buildGammaTable(const OpticalDataFile& odf, const TargetPar
   if (dbgOn(kDbgDump)) felog::dumpGammaTable(out);
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

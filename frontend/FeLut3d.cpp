@@ -11,7 +11,7 @@
 #include "frontend/NumericLog.h"
 #include "frontend/PanelCorvaneFE.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 namespace {
 class Lut3dLog : public fe::Lut3dObserver {
@@ -70,4 +70,4 @@ void PanelCorvaneFE::generateLut3D(OpticalDataFile& odf, TargetParm& target, lut
   fe::generateLut3D(odf, target, switches, *lut, &log);
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

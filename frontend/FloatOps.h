@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 // The compiler would fold pow/log of constant arguments with its own (differently rounded)
@@ -52,4 +52,4 @@ inline void normaliseAndQuantise(float v[3], int* out) {
 }
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

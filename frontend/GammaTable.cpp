@@ -6,7 +6,7 @@
 #include "frontend/FloatOps.h"
 #include "frontend/OdfLayout.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 namespace {
@@ -122,4 +122,4 @@ void buildGammaTable(const PanelCorvaneBase::OpticalDataFile& odf,
 }
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

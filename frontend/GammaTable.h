@@ -16,7 +16,7 @@
 
 #include "base/PanelCorvaneBase.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 constexpr int kGammaSize = 4096;
@@ -42,4 +42,4 @@ void buildGammaTable(const PanelCorvaneBase::OpticalDataFile& odf,
                      GammaKnots* knots = nullptr);
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -4,7 +4,7 @@
 #include "base/LutGrid.h"
 #include "frontend/OdfLayout.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 namespace {
@@ -136,4 +136,4 @@ void generateLut3D(const PanelCorvaneBase::OpticalDataFile& odf,
 }
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

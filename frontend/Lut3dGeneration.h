@@ -16,9 +16,9 @@
 #include "base/PanelCorvaneBase.h"
 #include "frontend/ColorMath.h"
 #include "frontend/GammaTable.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 struct Lut3dSwitches {
@@ -64,4 +64,4 @@ void generateLut3D(const PanelCorvaneBase::OpticalDataFile& odf,
                    lut3d_info& lut, Lut3dObserver* observer = nullptr);
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -9,7 +9,7 @@
 #include "base/LutGrid.h"
 #include "frontend/OdfLayout.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace felog {
 
 void inversion(const fe::Mat3& src, const fe::Mat3* inverse) {
@@ -106,4 +106,4 @@ void dumpLut(const std::string& path, const lut3d_info& lut) {
 }
 
 }  // namespace felog
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -9,9 +9,9 @@
 #include "frontend/ColorMath.h"
 #include "frontend/GammaTable.h"
 #include "frontend/Lut3dGeneration.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace felog {
 
 // inverseMatrix: the source, and the inverse unless the source was singular (nullptr).
@@ -35,4 +35,4 @@ void greyAxis(const lut3d_info& lut, bool after);
 void dumpLut(const std::string& path, const lut3d_info& lut);
 
 }  // namespace felog
-}  // namespace snapdragoncolor
+}  // namespace postblend

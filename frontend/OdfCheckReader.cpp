@@ -4,7 +4,7 @@
 #include <cctype>
 #include <cstdio>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 OdfCheckRead readOdfCheck(const std::string& whole, PanelCorvaneBase::ODFErrorCheck& check) {
   OdfCheckRead r;
@@ -43,4 +43,4 @@ OdfCheckRead readOdfCheck(const std::string& whole, PanelCorvaneBase::ODFErrorCh
   return r;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -11,7 +11,7 @@
 #include "base/PanelCorvaneBase.h"
 #include "base/ReadDiagnosis.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 constexpr size_t kMaxOdfCheckBytes = 64 * 1024;
 constexpr int kOdfCheckValues = 32;
@@ -30,4 +30,4 @@ struct OdfCheckRead {
 
 OdfCheckRead readOdfCheck(const std::string& text, PanelCorvaneBase::ODFErrorCheck& check);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -16,7 +16,7 @@
 #include "frontend/PanelCorvaneFE.h"
 #include "frontend/TargetReader.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 int PanelCorvaneFE::readODF(OpticalDataFile& odf, const char* path) {
   std::ifstream in(devio::path(path), std::ios::in | std::ios::binary);
@@ -75,4 +75,4 @@ int PanelCorvaneFE::readODFCheck(const char* path, ODFErrorCheck* check) {
   return fclose(f);
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

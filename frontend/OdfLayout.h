@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace odf {
 
 constexpr size_t kBytes = 510;
@@ -26,4 +26,4 @@ constexpr int greyCodeOfStep(int k) { return k == 0 ? 4095 : 4096 - 512 * k; }
 constexpr int greyLuminanceAt(int k) { return 5 + 6 * k; }
 
 }  // namespace odf
-}  // namespace snapdragoncolor
+}  // namespace postblend

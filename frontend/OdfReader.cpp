@@ -7,7 +7,7 @@
 #include "base/Algorithm.h"
 #include "frontend/OdfLayout.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 static_assert(offsetof(PanelCorvaneBase::OpticalDataFile, crc) == odf::kCrcBytes,
               "the checksum follows the 127 measurements directly");
@@ -42,4 +42,4 @@ OdfRead readOdf(const uint8_t* data, size_t size, PanelCorvaneBase::OpticalDataF
   return r;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

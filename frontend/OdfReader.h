@@ -13,7 +13,7 @@
 #include "base/PanelCorvaneBase.h"
 #include "base/ReadDiagnosis.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 enum class OdfProblem {
   None,
@@ -31,4 +31,4 @@ struct OdfRead {
 
 OdfRead readOdf(const uint8_t* data, size_t size, PanelCorvaneBase::OpticalDataFile& odf);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

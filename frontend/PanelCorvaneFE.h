@@ -13,9 +13,9 @@
 #include "base/PanelCorvaneBase.h"
 #include "frontend/ColorMath.h"
 #include "frontend/GammaTable.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class PanelCorvaneFE : public PanelCorvaneBase {
  public:
@@ -88,4 +88,4 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   PanelCorvaneBase* mOwner;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

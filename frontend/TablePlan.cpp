@@ -1,6 +1,6 @@
 #include "frontend/TablePlan.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 const char* const kTargetSuffix[kTargetFiles] = {
@@ -47,4 +47,4 @@ TablePlan planTables(const bool targetRead[kTargetFiles], bool use100nits, int s
 }
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -7,7 +7,7 @@
 //   4: 1low Cinema(_100nits)  5: 1max Cinema   6: 2low LsRGB(_100nits)   7: 2max LsRGB
 #pragma once
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace fe {
 
 // Optical data records, in the order they are read.
@@ -43,4 +43,4 @@ struct TablePlan {
 TablePlan planTables(const bool targetRead[kTargetFiles], bool use100nits, int slots);
 
 }  // namespace fe
-}  // namespace snapdragoncolor
+}  // namespace postblend

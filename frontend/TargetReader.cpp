@@ -4,7 +4,7 @@
 #include <cctype>
 #include <sstream>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 const char* const kTargetFieldNames[kTargetBaseValues] = {
     "red x", "red y", "green x", "green y", "blue x", "blue y", "white x", "white y", "exponent"};
@@ -81,4 +81,4 @@ TargetRead readTarget(const std::string& whole) {
   return r;
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

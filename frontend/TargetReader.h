@@ -17,7 +17,7 @@
 
 #include "base/ReadDiagnosis.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 constexpr size_t kMaxTargetBytes = 64 * 1024;
 constexpr int kTargetValues = 20;
@@ -43,4 +43,4 @@ TargetRead readTarget(const std::string& text);
 // Display names of the first nine target values.
 extern const char* const kTargetFieldNames[kTargetBaseValues];
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

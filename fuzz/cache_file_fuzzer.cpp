@@ -10,7 +10,7 @@
 #include "cache/Lut3DCacheManager.h"
 #include "fuzz/support/FuzzSupport.h"
 
-using snapdragoncolor::Lut3DCacheManager;
+using postblend::Lut3DCacheManager;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   pcfuzz::quietPlatform();
@@ -24,8 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const bool matched = (data[0] & 4) != 0;
   const unsigned paramVersion = (data[0] >> 3) & 3;
   // The shared reader from memory, as the workbench reads a cache.
-  std::vector<snapdragoncolor::lut3d_info> read;
-  snapdragoncolor::readCacheImage(data + 1, size - 1, read);
+  std::vector<postblend::lut3d_info> read;
+  postblend::readCacheImage(data + 1, size - 1, read);
 
   pcfuzz::writeDeviceFile(Lut3DCacheManager::cachePath(panel), data + 1, size - 1);
 

@@ -12,8 +12,8 @@
 #include "fuzz/support/FuzzSupport.h"
 #include "tools/lib/CalibrationFiles.h"
 
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneFE;
 
 namespace {
 constexpr const char* kDevicePath = "/mnt/vendor/persist/display/fuzz_input";
@@ -37,19 +37,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string error;
   if (reader == 0) {
     PanelCorvaneBase::OpticalDataFile odf{};
-    snapdragoncolor::readOdf(data + 1, size - 1, odf);
+    postblend::readOdf(data + 1, size - 1, odf);
     fe.readODF(odf, kDevicePath);
     pctool::OdfCheck check;
     pctool::readOdfFile(hostPath, odf, check, error);
   } else if (reader == 1) {
     PanelCorvaneBase::TargetParm target{};
-    snapdragoncolor::readTarget(std::string(reinterpret_cast<const char*>(data + 1), size - 1));
+    postblend::readTarget(std::string(reinterpret_cast<const char*>(data + 1), size - 1));
     fe.readTargetParm(target, kDevicePath);
     int count = 0;
     pctool::readTargetFile(hostPath, target, count, error);
   } else {
     PanelCorvaneBase::ODFErrorCheck check{};
-    snapdragoncolor::readOdfCheck(std::string(reinterpret_cast<const char*>(data + 1), size - 1), check);
+    postblend::readOdfCheck(std::string(reinterpret_cast<const char*>(data + 1), size - 1), check);
     fe.readODFCheck(kDevicePath, &check);
   }
   pcfuzz::removeDeviceFile(kDevicePath);

@@ -13,7 +13,7 @@
 #include "core/PanelCorvane.h"
 #include "fuzz/support/FuzzSupport.h"
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "fuzz/support/FuzzSupport.h"
 #include "services/MixLut3DAidl.h"
 
-using snapdragoncolor::PanelCorvane;
+using postblend::PanelCorvane;
 using Vec = PanelCorvane::hidl_vec_i32;
 
 namespace {
@@ -34,17 +34,17 @@ Vec args(FuzzedDataProvider& in) {
 }
 
 void frame(PanelCorvane* panel, FuzzedDataProvider& in) {
-  snapdragoncolor::ModeRenderInputParams request;
+  postblend::ModeRenderInputParams request;
   request.color_mode.gamut = in.ConsumeBool() ? 1 : 12;
   request.color_mode.intent = in.ConsumeIntegralInRange<uint32_t>(0, 310);
-  snapdragoncolor::HwConfigOutputParams result;
-  result.payload.emplace_back("PostBlendGamut", std::make_shared<snapdragoncolor::GamutConfig>());
-  snapdragoncolor::ScPayload inP, outP;
+  postblend::HwConfigOutputParams result;
+  result.payload.emplace_back("PostBlendGamut", std::make_shared<postblend::GamutConfig>());
+  postblend::ScPayload inP, outP;
   inP.len = sizeof(request);
   inP.payload = reinterpret_cast<uintptr_t>(&request);
   outP.len = sizeof(result);
   outP.payload = reinterpret_cast<uintptr_t>(&result);
-  panel->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);
+  panel->ProcessOps(postblend::kScModeRenderIntent, inP, &outP);
 }
 
 }  // namespace

@@ -10,9 +10,9 @@
 #include "base/Algorithm.h"
 #include "base/PanelCorvaneBase.h"
 #include "fuzz/support/FuzzSupport.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 namespace {
 const char* const kHookFiles[] = {

@@ -11,8 +11,8 @@
 #include "base/PanelCorvaneBase.h"
 #include "fuzz/support/FuzzSupport.h"
 
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneBE;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneBE;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   pcfuzz::quietPlatform();

@@ -18,13 +18,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string tail = content.substr(lastLine == std::string::npos ? 0 : lastLine + 1, 300);
 
   // The shared reader on its own: its diagnosis and the number rules on every value it kept.
-  const snapdragoncolor::PropertyRead read = snapdragoncolor::readProperties(content);
+  const postblend::PropertyRead read = postblend::readProperties(content);
   for (const auto& entry : read.accepted) {
-    snapdragoncolor::propertyInt(entry.value);
-    snapdragoncolor::panelIndexOf(entry.value);
+    postblend::propertyInt(entry.value);
+    postblend::panelIndexOf(entry.value);
   }
 
-  snapdragoncolor::Prop prop;
+  postblend::Prop prop;
   prop.parsePropertyFile(content);
   for (const char* name : {"PanelCorvane_primary", "PanelCorvane_secondary", tail.c_str()})
     prop.GetPanelId(name);

@@ -13,7 +13,7 @@
 #include "frontend/OdfReader.h"
 #include "frontend/TargetReader.h"
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;

@@ -11,11 +11,11 @@
 #include "base/PanelCorvaneBase.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "fuzz/support/FuzzSupport.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
-using snapdragoncolor::lut3d_info;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::lut3d_info;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneFE;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   pcfuzz::quietPlatform();
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   PanelCorvaneFE fe(&owner, 0);
   auto lut = std::make_unique<lut3d_info>();
   fe.generateLut3D(odf, target, lut.get(), 0);
-  for (uint32_t i = 0; i < snapdragoncolor::kLut3dEntries; ++i) {
+  for (uint32_t i = 0; i < postblend::kLut3dEntries; ++i) {
     for (int c = 0; c < 3; ++c) {
       if (lut->entries[i].out[c] > 4095) {
         std::fprintf(stderr, "entry %u channel %d: code %u outside 0..4095\n", i, c,

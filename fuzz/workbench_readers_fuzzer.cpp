@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "fuzz/support/FuzzSupport.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/ColourCsv.h"
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/FileInfo.h"
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   switch (reader) {
     case 0: {
       std::istringstream in(text);
-      auto lut = std::make_unique<snapdragoncolor::lut3d_info>();
+      auto lut = std::make_unique<postblend::lut3d_info>();
       pctool::CubeReadInfo info;
       pctool::CubeFile::parse(in, *lut, 0, info, error);
       break;
@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     case 5: {
       pctool::ColourList list;
       if (!pctool::ColourCsv::parse(text, list, error)) break;
-      auto lut = std::make_unique<snapdragoncolor::lut3d_info>();
+      auto lut = std::make_unique<postblend::lut3d_info>();
       pctool::setDeviceGrid(*lut, 0);
       pctool::ColourCsv::apply(list, *lut, pctool::Interp::Tetrahedral, pctool::NodeGrid::Device);
       break;

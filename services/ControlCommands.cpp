@@ -11,7 +11,7 @@
 #include "base/PanelRegistry.h"
 #include "base/Trace.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace control {
 
 namespace {
@@ -332,4 +332,4 @@ void dumpState(const char* fn) {
 }
 
 }  // namespace control
-}  // namespace snapdragoncolor
+}  // namespace postblend

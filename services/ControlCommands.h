@@ -10,7 +10,7 @@
 
 #include "services/ControlTarget.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 namespace control {
 
 using Args = ::android::hardware::hidl_vec<int32_t>;
@@ -26,4 +26,4 @@ int cmd10000(int cmd);
 void dumpState(const char* fn);
 
 }  // namespace control
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class PanelCorvaneBase;
 
@@ -23,4 +23,4 @@ class ControlTarget {
   ~ControlTarget() = default;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -10,7 +10,7 @@
 #include "base/PanelCorvaneBase.h"
 #include "base/PanelRegistry.h"
 
-namespace snapdragoncolor {
+namespace postblend {
 
 ::ndk::ScopedAStatus MixLut3DAidl::set(int32_t in_disp, int32_t in_cmd, int32_t* _aidl_return) {
   PC_LOGE("AIDL CALL:configure!!! %d\n", in_cmd);
@@ -43,4 +43,4 @@ namespace snapdragoncolor {
   return ::ndk::ScopedAStatus::ok();
 }
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

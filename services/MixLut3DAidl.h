@@ -6,7 +6,7 @@
 
 #include <vector>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 class MixLut3DAidl : public ::aidl::vendor::tarnu::hardware::display::MixLut3D::BnMixLut3D {
  public:
@@ -15,4 +15,4 @@ class MixLut3DAidl : public ::aidl::vendor::tarnu::hardware::display::MixLut3D::
                                std::vector<int32_t>* out_out, int32_t* _aidl_return) override;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

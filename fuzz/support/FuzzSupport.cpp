@@ -50,7 +50,7 @@ void removeDeviceFile(const std::string& devicePath) {
 }
 
 void resetSharedState() {
-  using B = snapdragoncolor::PanelCorvaneBase;
+  using B = postblend::PanelCorvaneBase;
   B::sDebug = 1;
   B::sIsByPass = false;
   B::sBrightness = 0;
@@ -70,12 +70,12 @@ TwoPanels& runningDevice() {
       std::abort();
     }
     std::filesystem::create_directories(root + "/data/vendor/display");
-    auto* d = new TwoPanels{new snapdragoncolor::PanelCorvane(), new snapdragoncolor::PanelCorvane()};
+    auto* d = new TwoPanels{new postblend::PanelCorvane(), new postblend::PanelCorvane()};
     d->primary->Init("PanelCorvane_primary");
     d->secondary->Init("PanelCorvane_secondary");
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!(d->primary->tablesReady() && d->secondary->tablesReady() &&
-             snapdragoncolor::PanelCorvaneBase::sIsHidlRegitsered.load())) {
+             postblend::PanelCorvaneBase::sIsHidlRegitsered.load())) {
       if (std::chrono::steady_clock::now() > until) {
         std::fprintf(stderr, "the device's tables never became ready\n");
         std::abort();

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-namespace snapdragoncolor {
+namespace postblend {
 class PanelCorvane;
 }
 
@@ -27,8 +27,8 @@ void resetSharedState();
 
 // Both panels of a synthetic eight-table device, initialised, tables ready; made once.
 struct TwoPanels {
-  snapdragoncolor::PanelCorvane* primary;
-  snapdragoncolor::PanelCorvane* secondary;
+  postblend::PanelCorvane* primary;
+  postblend::PanelCorvane* secondary;
 };
 TwoPanels& runningDevice();
 

@@ -6,20 +6,20 @@
 #include "backend/LutTextFile.h"
 #include "base/LutGrid.h"
 
-using snapdragoncolor::lut3d_info;
-using snapdragoncolor::LutTextFile;
-using snapdragoncolor::LutTextProblem;
+using postblend::lut3d_info;
+using postblend::LutTextFile;
+using postblend::LutTextProblem;
 
 namespace {
 
 // The identity table on the device grid, one entry per line, from entry `from` on.
 std::string gridText(uint32_t from = 0) {
   std::string s;
-  for (uint32_t n = from; n < snapdragoncolor::kLut3dEntries; ++n) {
-    const uint32_t g = snapdragoncolor::kLut3dGridSize;
-    const std::string in = std::to_string(snapdragoncolor::lutGridCode(n % g)) + " " +
-                           std::to_string(snapdragoncolor::lutGridCode(n / g % g)) + " " +
-                           std::to_string(snapdragoncolor::lutGridCode(n / (g * g)));
+  for (uint32_t n = from; n < postblend::kLut3dEntries; ++n) {
+    const uint32_t g = postblend::kLut3dGridSize;
+    const std::string in = std::to_string(postblend::lutGridCode(n % g)) + " " +
+                           std::to_string(postblend::lutGridCode(n / g % g)) + " " +
+                           std::to_string(postblend::lutGridCode(n / (g * g)));
     s += in + " " + in + "\n";
   }
   return s;

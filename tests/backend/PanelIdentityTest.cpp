@@ -6,8 +6,8 @@
 #include "backend/PanelCorvaneBE.h"
 #include "tests/support/TestSupport.h"
 
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneBE;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneBE;
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "tests/cache/LutFixtures.h"
 #include "tests/support/TestSupport.h"
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 namespace {
 

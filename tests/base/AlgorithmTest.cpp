@@ -7,8 +7,8 @@
 #include "base/Algorithm.h"
 #include "tests/support/TestSupport.h"
 
-using snapdragoncolor::Algorithm;
-using snapdragoncolor::lut3d_info;
+using postblend::Algorithm;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -21,7 +21,7 @@ class AlgorithmTest : public ::testing::Test {
  protected:
   void SetUp() override {
     pctest::resetSharedState();
-    for (uint32_t i = 0; i < snapdragoncolor::kLut3dEntries; ++i)
+    for (uint32_t i = 0; i < postblend::kLut3dEntries; ++i)
       for (int c = 0; c < 3; ++c)
         lut->entries[i].in[c] = lut->entries[i].out[c] = (i * 7 + c) % 4096;
   }

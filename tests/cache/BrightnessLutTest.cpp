@@ -7,8 +7,8 @@
 #include "tests/cache/LutFixtures.h"
 #include "tests/support/TestSupport.h"
 
-using snapdragoncolor::lut3d_info;
-using M = snapdragoncolor::Lut3DCacheManager;
+using postblend::lut3d_info;
+using M = postblend::Lut3DCacheManager;
 
 namespace {
 
@@ -74,7 +74,7 @@ TEST_F(BrightnessLutTest, RefusedIndicesAndMissingTables) {
 TEST_F(BrightnessLutTest, VerboseLinesAndDumpFiles) {
   root.write("/data/vendor/display/.keep", "");
   setPair(1000, 2000);
-  snapdragoncolor::PanelCorvaneBase::sDebug = 0x12;
+  postblend::PanelCorvaneBase::sDebug = 0x12;
   M::calLut3d(0, 3, 3000);
   M::calLut3d(0, 3, 5000);
   EXPECT_TRUE(log.has("1-calLut3d: calLut3d +++ 1309 5000"));

@@ -8,8 +8,8 @@
 #include "cache/CacheFileReader.h"
 #include "cache/Lut3DCacheManager.h"
 
-using snapdragoncolor::CacheProblem;
-using snapdragoncolor::lut3d_info;
+using postblend::CacheProblem;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -19,7 +19,7 @@ std::string image(uint32_t n, uint32_t source = 1, uint32_t paramVersion = 9) {
   uint32_t* words = reinterpret_cast<uint32_t*>(t.data());
   for (size_t i = 0; i < n * sizeof(lut3d_info) / 4; ++i) words[i] = static_cast<uint32_t>(i * 7);
   const uint32_t sum =
-      snapdragoncolor::Lut3DCacheManager::checkSum(t.data(), n, source, 0, paramVersion);
+      postblend::Lut3DCacheManager::checkSum(t.data(), n, source, 0, paramVersion);
   const uint32_t trailer[4] = {source, 0, paramVersion, sum};
   return std::string(reinterpret_cast<const char*>(t.data()), n * sizeof(lut3d_info)) +
          std::string(reinterpret_cast<const char*>(trailer), sizeof trailer);
@@ -52,7 +52,7 @@ TEST(CacheFileReader, ImagesByClass) {
   };
   for (const auto& c : cases) {
     std::vector<lut3d_info> tables;
-    const auto r = snapdragoncolor::readCacheImage(bytes(c.data), c.data.size(), tables);
+    const auto r = postblend::readCacheImage(bytes(c.data), c.data.size(), tables);
     EXPECT_EQ(r.diagnosis.problem, c.problem) << c.name;
     EXPECT_EQ(r.count, c.count) << c.name;
     EXPECT_EQ(tables.size(), c.count) << c.name;
@@ -74,8 +74,8 @@ TEST(CacheFileReader, AShortStreamFillsTheCallersArrayAsFarAsItGoesAndSaysSo) {
   std::memset(tables.data(), 0xAB, 2 * sizeof(lut3d_info));
   // The length said two tables; the stream ends inside the second.
   const size_t cut = sizeof(lut3d_info) + 100;
-  snapdragoncolor::MemoryStream in(whole.data(), cut);
-  const auto r = snapdragoncolor::readCacheTables(in, 2, tables.data());
+  postblend::MemoryStream in(whole.data(), cut);
+  const auto r = postblend::readCacheTables(in, 2, tables.data());
   EXPECT_EQ(r.diagnosis.problem, CacheProblem::Truncated);
   EXPECT_EQ(r.diagnosis.message, "truncated: 118028 of 235872 bytes");
   EXPECT_FALSE(r.complete);
@@ -84,8 +84,8 @@ TEST(CacheFileReader, AShortStreamFillsTheCallersArrayAsFarAsItGoesAndSaysSo) {
   EXPECT_EQ(r.trailer.source, 0u);
   EXPECT_EQ(r.trailer.checkSum, 0u) << "a trailer never read is zero";
 
-  snapdragoncolor::MemoryStream full(whole.data(), whole.size());
-  const auto ok = snapdragoncolor::readCacheTables(full, 2, tables.data());
+  postblend::MemoryStream full(whole.data(), whole.size());
+  const auto ok = postblend::readCacheTables(full, 2, tables.data());
   EXPECT_TRUE(ok.diagnosis.ok());
   EXPECT_TRUE(ok.complete);
   EXPECT_EQ(ok.trailer.paramVersion, 4u);

@@ -7,8 +7,8 @@
 #include "tests/cache/LutFixtures.h"
 #include "tests/support/TestSupport.h"
 
-using snapdragoncolor::lut3d_info;
-using M = snapdragoncolor::Lut3DCacheManager;
+using postblend::lut3d_info;
+using M = postblend::Lut3DCacheManager;
 
 namespace {
 

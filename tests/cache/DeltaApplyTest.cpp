@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 namespace {
 

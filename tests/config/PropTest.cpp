@@ -4,7 +4,7 @@
 
 #include "tests/support/TestSupport.h"
 
-using snapdragoncolor::Prop;
+using postblend::Prop;
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include "config/PropertyReader.h"
 
-using snapdragoncolor::PropertyProblem;
-using snapdragoncolor::readProperties;
+using postblend::PropertyProblem;
+using postblend::readProperties;
 
 namespace {
 
@@ -43,7 +43,7 @@ TEST(PropertyReader, EachMalformedClassIsToldWithItsLineWhileTheLinesStillCount)
 
 TEST(PropertyReader, OversizedTextIsReadUpToTheLimitOnly) {
   std::string text = "A=1\n";
-  text += std::string(snapdragoncolor::kMaxPropertyBytes, '#') + "\nB=2\n";
+  text += std::string(postblend::kMaxPropertyBytes, '#') + "\nB=2\n";
   const auto r = readProperties(text);
   EXPECT_EQ(r.diagnosis.problem, PropertyProblem::TooLarge);
   EXPECT_EQ(r.diagnosis.message, "larger than 1024 KiB: not a property file");
@@ -59,8 +59,8 @@ TEST(PropertyReader, IntegersAndPanelsAsThePluginReadsThem) {
   } cases[] = {{"150", 150, 1}, {"99", 99, 0},     {"200", 200, 0}, {" 120x", 120, 1},
                {"0x20", 0, 0},  {"-150", -150, 0}, {"", 0, 0},      {"4294967396", 100, 1}};
   for (const auto& c : cases) {
-    EXPECT_EQ(snapdragoncolor::propertyInt(c.value), c.integer) << c.value;
-    EXPECT_EQ(snapdragoncolor::panelIndexOf(c.value), c.panel) << c.value;
+    EXPECT_EQ(postblend::propertyInt(c.value), c.integer) << c.value;
+    EXPECT_EQ(postblend::panelIndexOf(c.value), c.panel) << c.value;
   }
 }
 

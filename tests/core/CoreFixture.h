@@ -61,7 +61,7 @@ class RecordingDisplayService : public qService::BnQService {
 };
 
 inline void resetCaches() {
-  using snapdragoncolor::Lut3DCacheManager;
+  using postblend::Lut3DCacheManager;
   for (unsigned p = 0; p < 2; ++p) {
     Lut3DCacheManager::deInit(p);
     Lut3DCacheManager::sNumOfLut3D[p] = 0;
@@ -78,8 +78,8 @@ class CoreTest : public ::testing::Test {
   }
   // A worker may still be starting the services of an object the test made.
   static void resetAidl() {
-    std::lock_guard<std::mutex> lock(snapdragoncolor::PanelCorvane::sServicesLock);
-    snapdragoncolor::PanelCorvane::mAidl.reset();
+    std::lock_guard<std::mutex> lock(postblend::PanelCorvane::sServicesLock);
+    postblend::PanelCorvane::mAidl.reset();
   }
   void TearDown() override {
     for (auto* p : panels) {
@@ -93,12 +93,12 @@ class CoreTest : public ::testing::Test {
     resetCaches();
   }
 
-  snapdragoncolor::PanelCorvane* make() {
-    panels.push_back(new snapdragoncolor::PanelCorvane());
+  postblend::PanelCorvane* make() {
+    panels.push_back(new postblend::PanelCorvane());
     return panels.back();
   }
   void writeProps(const std::string& extra = "") {
-    root.write(snapdragoncolor::Prop::kPath, "LogLevel=1\nprimary=0\nsecondary=100\n" + extra);
+    root.write(postblend::Prop::kPath, "LogLevel=1\nprimary=0\nsecondary=100\n" + extra);
   }
   android::sp<RecordingDisplayService> addDisplayService() {
     auto svc = android::sp<RecordingDisplayService>::make();
@@ -108,7 +108,7 @@ class CoreTest : public ::testing::Test {
 
   TempRoot root;
   LogCapture log;
-  std::vector<snapdragoncolor::PanelCorvane*> panels;
+  std::vector<postblend::PanelCorvane*> panels;
 };
 
 }  // namespace pctest

@@ -6,11 +6,11 @@
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
 
-using snapdragoncolor::ColorModeList;
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::ScOps;
-using snapdragoncolor::ScPayload;
+using postblend::ColorModeList;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBase;
+using postblend::ScOps;
+using postblend::ScPayload;
 
 namespace {
 
@@ -82,9 +82,9 @@ TEST_F(DispatchTest, ProcessOpsRefusesUnknownOpsAndMissingOutput) {
   ScPayload in, out;
   EXPECT_EQ(p->ProcessOps(static_cast<ScOps>(5), in, &out), 0);
   EXPECT_TRUE(log.has("1-ProcessOps: Invalid ops 5"));
-  EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeSwAssets, in, nullptr), 0);
+  EXPECT_EQ(p->ProcessOps(postblend::kScModeSwAssets, in, nullptr), 0);
   EXPECT_EQ(log.countContaining("1-ProcessOps: Invalid params init_done_ 1 output "), 1);
-  EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeSwAssets, in, &out), 0);
+  EXPECT_EQ(p->ProcessOps(postblend::kScModeSwAssets, in, &out), 0);
 }
 
 TEST_F(DispatchTest, PayloadsTooShortForTheirRecordAreRefused) {
@@ -99,15 +99,15 @@ TEST_F(DispatchTest, PayloadsTooShortForTheirRecordAreRefused) {
   EXPECT_EQ(PanelCorvaneBase::sBrightness, 77u);
   EXPECT_EQ(log.count("1-SetProperty: payload error!"), 2);
 
-  snapdragoncolor::ModeRenderInputParams request;
+  postblend::ModeRenderInputParams request;
   request.color_mode.gamut = 1;
   request.color_mode.intent = 256;
-  snapdragoncolor::HwConfigOutputParams result;
+  postblend::HwConfigOutputParams result;
   ScPayload out = payloadFor(&result);
   ScPayload shortRequest = payloadFor(&request, 0, 8);
-  ScPayload noRequest = payloadFor<snapdragoncolor::ModeRenderInputParams>(nullptr);
-  EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeRenderIntent, shortRequest, &out), 0);
-  EXPECT_EQ(p->ProcessOps(snapdragoncolor::kScModeRenderIntent, noRequest, &out), 0);
+  ScPayload noRequest = payloadFor<postblend::ModeRenderInputParams>(nullptr);
+  EXPECT_EQ(p->ProcessOps(postblend::kScModeRenderIntent, shortRequest, &out), 0);
+  EXPECT_EQ(p->ProcessOps(postblend::kScModeRenderIntent, noRequest, &out), 0);
   EXPECT_EQ(log.count("1-ProcessModeRenderIntent: payload error!"), 2);
   EXPECT_EQ(p->previousMode(), -1) << "a refused request is not a frame";
 }

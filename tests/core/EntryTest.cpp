@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "snapdragoncolor/sc_post_blend_interface.h"
+#include "postblend/post_blend_interface.h"
 #include "tests/support/TestSupport.h"
 
 namespace {
@@ -19,14 +19,14 @@ TEST(EntryTest, OnlyVersionTwoZeroIsServed) {
     EXPECT_TRUE(log.has("Invalid major_version " + std::to_string(major) + " minor_version " +
                         std::to_string(minor)));
   }
-  std::unique_ptr<snapdragoncolor::ScPostBlendInterface> plugin(GetScPostBlendInterface(2, 0));
+  std::unique_ptr<postblend::ScPostBlendInterface> plugin(GetScPostBlendInterface(2, 0));
   ASSERT_NE(plugin, nullptr);
   // Never initialised: bypass is the default, so everything answers 0 without a line.
   log.clear();
-  snapdragoncolor::ScPayload payload;
+  postblend::ScPayload payload;
   payload.prop = 1;
   EXPECT_EQ(plugin->GetProperty(&payload), 0);
-  EXPECT_EQ(plugin->ProcessOps(snapdragoncolor::kScModeRenderIntent, payload, &payload), 0);
+  EXPECT_EQ(plugin->ProcessOps(postblend::kScModeRenderIntent, payload, &payload), 0);
   EXPECT_TRUE(log.lines().empty()) << log.dump();
 }
 
@@ -52,10 +52,10 @@ TEST(EntryTest, PluginExportsExactlyTheEntry) {
 
   void* handle = dlopen(lib.c_str(), RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(handle, nullptr) << dlerror();
-  auto get = reinterpret_cast<snapdragoncolor::GetScPostBlendInterfaceFn>(
+  auto get = reinterpret_cast<postblend::GetScPostBlendInterfaceFn>(
       dlsym(handle, "GetScPostBlendInterface"));
   ASSERT_NE(get, nullptr);
-  EXPECT_EQ(dlsym(handle, "_ZN15snapdragoncolor16PanelCorvaneBase6sDebugE"), nullptr);
+  EXPECT_EQ(dlsym(handle, "_ZN9postblend16PanelCorvaneBase6sDebugE"), nullptr);
   dlclose(handle);
 }
 

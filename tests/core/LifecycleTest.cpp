@@ -7,9 +7,9 @@
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
 
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::ScPayload;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBase;
+using postblend::ScPayload;
 
 namespace {
 

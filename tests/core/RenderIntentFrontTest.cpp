@@ -4,13 +4,13 @@
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
 
-using snapdragoncolor::GamutConfig;
-using snapdragoncolor::HwConfigOutputParams;
-using snapdragoncolor::Lut3DCacheManager;
-using snapdragoncolor::ModeRenderInputParams;
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::ScPayload;
+using postblend::GamutConfig;
+using postblend::HwConfigOutputParams;
+using postblend::Lut3DCacheManager;
+using postblend::ModeRenderInputParams;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBase;
+using postblend::ScPayload;
 
 namespace {
 
@@ -21,7 +21,7 @@ class RenderIntentFrontTest : public pctest::CoreTest {
     const unsigned n = cmDebug ? 8 : 6;
     root.write("/data/vendor/display/.keep", "");  // the cache folder exists on a device
     Lut3DCacheManager::init(0, cmDebug);
-    snapdragoncolor::lut3d_info* luts = nullptr;
+    postblend::lut3d_info* luts = nullptr;
     Lut3DCacheManager::getLutArrayPointer(0, &luts);
     for (unsigned t = 0; t < n; ++t) {
       luts[t] = {};
@@ -59,7 +59,7 @@ class RenderIntentFrontTest : public pctest::CoreTest {
     inP.len = sizeof(in);
     inP.payload = reinterpret_cast<uintptr_t>(&in);
     outP.payload = reinterpret_cast<uintptr_t>(&out);
-    p->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);
+    p->ProcessOps(postblend::kScModeRenderIntent, inP, &outP);
     return g->gamut_info.lut3d_id == 999 ? -1 : static_cast<int>(g->gamut_info.lut3d_id);
   }
   int refreshes() { return log.count("1-sendMessage: sendMessage 1"); }

@@ -5,9 +5,9 @@
 #include "tests/core/CoreFixture.h"
 #include "tools/lib/SyntheticDevice.h"
 
-using snapdragoncolor::Lut3DCacheManager;
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::Lut3DCacheManager;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneFE;
 
 namespace {
 

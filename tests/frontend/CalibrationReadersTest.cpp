@@ -8,10 +8,10 @@
 #include "frontend/OdfReader.h"
 #include "frontend/TargetReader.h"
 
-using snapdragoncolor::OdfCheckProblem;
-using snapdragoncolor::OdfProblem;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::TargetProblem;
+using postblend::OdfCheckProblem;
+using postblend::OdfProblem;
+using postblend::PanelCorvaneBase;
+using postblend::TargetProblem;
 
 namespace {
 
@@ -21,7 +21,7 @@ std::string odfImage() {
   for (int i = 0; i < 127; ++i) odf.values[i] = static_cast<float>(i);
   unsigned char covered[508];
   std::memcpy(covered, odf.values, sizeof covered);
-  odf.crc = static_cast<uint16_t>(snapdragoncolor::Algorithm::crc_cal_by_bit(covered, 508));
+  odf.crc = static_cast<uint16_t>(postblend::Algorithm::crc_cal_by_bit(covered, 508));
   return std::string(reinterpret_cast<const char*>(&odf), 510);
 }
 
@@ -44,7 +44,7 @@ TEST(OdfReader, ShortAndCorruptImages) {
   };
   for (const auto& c : cases) {
     PanelCorvaneBase::OpticalDataFile odf{};
-    const auto r = snapdragoncolor::readOdf(reinterpret_cast<const uint8_t*>(c.data.data()),
+    const auto r = postblend::readOdf(reinterpret_cast<const uint8_t*>(c.data.data()),
                                             c.data.size(), odf);
     EXPECT_EQ(r.diagnosis.problem, c.problem) << c.name;
     EXPECT_EQ(r.diagnosis.message.substr(0, c.message.size()), c.message) << c.name;
@@ -55,8 +55,8 @@ TEST(OdfReader, ShortAndCorruptImages) {
 TEST(OdfReader, AShortInputOverAConsistentRecordPassesItsCrcAsThePluginExpects) {
   const std::string good = odfImage();
   PanelCorvaneBase::OpticalDataFile odf{};
-  snapdragoncolor::readOdf(reinterpret_cast<const uint8_t*>(good.data()), good.size(), odf);
-  const auto r = snapdragoncolor::readOdf(reinterpret_cast<const uint8_t*>(good.data()), 100, odf);
+  postblend::readOdf(reinterpret_cast<const uint8_t*>(good.data()), good.size(), odf);
+  const auto r = postblend::readOdf(reinterpret_cast<const uint8_t*>(good.data()), 100, odf);
   EXPECT_EQ(r.bytes, 100u);
   EXPECT_TRUE(r.crcOk()) << "the tail kept what the record held";
   EXPECT_EQ(r.diagnosis.problem, OdfProblem::Short);
@@ -88,16 +88,16 @@ TEST(TargetReader, MalformedClassesAndWhatTheLenientReadingKeeps) {
        TargetProblem::OutOfRange, "not a target: red y = 1.330000 is outside 0..1", 9},
       {"exponent", "0.64 0.33 0.30 0.60 0.15 0.06 0.3127 0.329 0", TargetProblem::OutOfRange,
        "not a target: exponent parameter 0.000000 is not positive", 9},
-      {"oversized", nine + std::string(snapdragoncolor::kMaxTargetBytes, ' ') + "1",
+      {"oversized", nine + std::string(postblend::kMaxTargetBytes, ' ') + "1",
        TargetProblem::TooLarge, "too large for a target file (over 65536 bytes)", 9},
   };
   for (const auto& c : cases) {
-    const auto r = snapdragoncolor::readTarget(c.text);
+    const auto r = postblend::readTarget(c.text);
     EXPECT_EQ(r.diagnosis.problem, c.problem) << c.name;
     EXPECT_EQ(r.diagnosis.message, c.message) << c.name;
     EXPECT_EQ(r.count, c.count) << c.name;
   }
-  const auto glued = snapdragoncolor::readTarget(nine + "\n0.5-3");
+  const auto glued = postblend::readTarget(nine + "\n0.5-3");
   EXPECT_EQ(glued.values[9], 0.5f);
   EXPECT_EQ(glued.values[10], -3.0f) << "the extraction goes on after the glued sign";
 }
@@ -121,7 +121,7 @@ TEST(OdfCheckReader, ConversionsAsTheCLibraryMakesThem) {
   for (const auto& c : cases) {
     PanelCorvaneBase::ODFErrorCheck check{};
     check.values[31] = -7.0f;
-    const auto r = snapdragoncolor::readOdfCheck(c.text, check);
+    const auto r = postblend::readOdfCheck(c.text, check);
     EXPECT_EQ(r.diagnosis.problem, c.problem) << c.name;
     EXPECT_EQ(r.diagnosis.message, c.message) << c.name;
     EXPECT_EQ(r.converted, c.converted) << c.name;

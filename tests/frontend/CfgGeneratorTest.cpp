@@ -6,8 +6,8 @@
 namespace fetest {
 namespace {
 
-using snapdragoncolor::lut3d_info;
-using snapdragoncolor::Lut3DCacheManager;
+using postblend::lut3d_info;
+using postblend::Lut3DCacheManager;
 
 const char* const kTargets[8] = {"Vivid", "Nature", "Cinema", "LsRGB", "Vivid_100nits",
                                  "Nature_100nits", "Cinema_100nits", "LsRGB_100nits"};
@@ -129,7 +129,7 @@ TEST_F(CfgGen, LocalGoldenFallbackAndSource) {
 
 TEST_F(CfgGen, MatchZeroDoesNothingButFetchesTheSwitchOnce) {
   root.write("/odm/etc/PanelCorvane/panelcorvane", "inParam100nits=1\n");
-  auto* prop = new snapdragoncolor::Prop();
+  auto* prop = new postblend::Prop();
   ASSERT_TRUE(prop->Init());
   PanelCorvaneBase::sProp = prop;
   writeDevice(0xFF);

@@ -7,9 +7,9 @@
 
 namespace {
 
-using snapdragoncolor::fe::Chromaticities;
-using snapdragoncolor::fe::Mat3;
-namespace fe = snapdragoncolor::fe;
+using postblend::fe::Chromaticities;
+using postblend::fe::Mat3;
+namespace fe = postblend::fe;
 
 constexpr Chromaticities kSrgb = {
     {{0.64f, 0.33f}, {0.30f, 0.60f}, {0.15f, 0.06f}, {0.3127f, 0.3290f}}};

@@ -15,8 +15,8 @@
 
 namespace fetest {
 
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneFE;
 using Odf = PanelCorvaneBase::OpticalDataFile;
 using Target = PanelCorvaneBase::TargetParm;
 
@@ -31,7 +31,7 @@ inline constexpr int kXyzAt[4] = {106, 82, 118, 4};
 inline void seal(Odf& odf) {
   unsigned char bytes[508];
   std::memcpy(bytes, odf.values, sizeof(bytes));
-  odf.crc = static_cast<uint16_t>(snapdragoncolor::Algorithm::crc_cal_by_bit(bytes, 508));
+  odf.crc = static_cast<uint16_t>(postblend::Algorithm::crc_cal_by_bit(bytes, 508));
 }
 
 // Primaries adding up to a white of luminance whiteY; grey ramp on a pure power curve.

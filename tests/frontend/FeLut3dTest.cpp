@@ -6,8 +6,8 @@
 namespace fetest {
 namespace {
 
-using snapdragoncolor::lut3d_entry;
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_entry;
+using postblend::lut3d_info;
 
 class Lut3dGen : public FeTest {
  protected:

@@ -6,7 +6,7 @@
 namespace fetest {
 namespace {
 
-namespace fe = snapdragoncolor::fe;
+namespace fe = postblend::fe;
 using fe::GammaPass;
 
 std::vector<unsigned> table(const Odf& odf, const Target& t, GammaPass pass,

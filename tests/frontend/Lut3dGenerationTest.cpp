@@ -9,8 +9,8 @@
 namespace fetest {
 namespace {
 
-namespace fe = snapdragoncolor::fe;
-using snapdragoncolor::lut3d_info;
+namespace fe = postblend::fe;
+using postblend::lut3d_info;
 
 std::unique_ptr<lut3d_info> generate(const Odf& odf, const Target& t, fe::Lut3dSwitches s,
                                      fe::Lut3dObserver* obs = nullptr) {
@@ -21,7 +21,7 @@ std::unique_ptr<lut3d_info> generate(const Odf& odf, const Target& t, fe::Lut3dS
 
 // First entry where the two tables differ, or -1.
 int firstDifference(const lut3d_info& a, const lut3d_info& b) {
-  for (int n = 0; n < static_cast<int>(snapdragoncolor::kLut3dEntries); ++n)
+  for (int n = 0; n < static_cast<int>(postblend::kLut3dEntries); ++n)
     if (std::memcmp(&a.entries[n], &b.entries[n], sizeof(a.entries[n])) != 0) return n;
   return -1;
 }
@@ -81,7 +81,7 @@ TEST(Lut3dCoreStages, ObserverSeesEachStageOnceInOrder) {
   const auto lut = generate(odf, t, {true, false}, &on);
   EXPECT_EQ(on.stages, "conversion intermediate main protect final done");
   // The protect-white pass touches the grey axis below white and the corner next to it only.
-  for (unsigned n = 0; n < snapdragoncolor::kLut3dEntries; ++n) {
+  for (unsigned n = 0; n < postblend::kLut3dEntries; ++n) {
     const unsigned r = n % 17, g = n / 17 % 17, b = n / 289;
     const bool grey = r == g && g == b && r < 16;
     const bool corner = r >= 15 && g >= 15 && b >= 15 && !(r == 16 && g == 16 && b == 16);

@@ -5,8 +5,8 @@ namespace {
 
 TEST(Crc, CheckValuesOfTheCcittFalseSet) {
   unsigned char digits[] = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
-  EXPECT_EQ(snapdragoncolor::Algorithm::crc_cal_by_bit(digits, 9), 0x29B1u);
-  EXPECT_EQ(snapdragoncolor::Algorithm::crc_cal_by_bit(digits, 0), 0xFFFFu);
+  EXPECT_EQ(postblend::Algorithm::crc_cal_by_bit(digits, 9), 0x29B1u);
+  EXPECT_EQ(postblend::Algorithm::crc_cal_by_bit(digits, 0), 0xFFFFu);
 }
 
 using OdfFiles = FeTest;

@@ -6,7 +6,7 @@
 
 namespace {
 
-namespace fe = snapdragoncolor::fe;
+namespace fe = postblend::fe;
 
 // The rows the workbench and the report rely on: measurement set and target file per table.
 TEST(TablePlan, EachTableTakesItsRow) {

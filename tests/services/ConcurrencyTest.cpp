@@ -8,10 +8,10 @@
 
 #include "tests/services/TwoPanelRig.h"
 
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneBE;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneBE;
+using postblend::PanelCorvaneFE;
 using Vec = PanelCorvane::hidl_vec_i32;
 
 namespace {

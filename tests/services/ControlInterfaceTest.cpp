@@ -3,8 +3,8 @@
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
 
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBase;
 using Vec = PanelCorvane::hidl_vec_i32;
 
 namespace {

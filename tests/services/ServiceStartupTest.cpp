@@ -9,8 +9,8 @@
 #include "tests/core/CoreFixture.h"
 
 using aidl::vendor::tarnu::hardware::display::MixLut3D::IMixLut3D;
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBase;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBase;
 
 namespace {
 

@@ -13,10 +13,10 @@
 
 #include "tests/services/TwoPanelRig.h"
 
-using snapdragoncolor::Lut3DCacheManager;
-using snapdragoncolor::PanelCorvane;
-using snapdragoncolor::PanelCorvaneBE;
-using snapdragoncolor::ScPayload;
+using postblend::Lut3DCacheManager;
+using postblend::PanelCorvane;
+using postblend::PanelCorvaneBE;
+using postblend::ScPayload;
 using Vec = PanelCorvane::hidl_vec_i32;
 
 namespace {

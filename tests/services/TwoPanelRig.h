@@ -37,7 +37,7 @@ inline int envCount(const char* name, int def) {
 }
 
 // A fingerprint of a whole table (64-bit FNV-1a), not a security hash.
-inline uint64_t tableDigest(const snapdragoncolor::lut3d_info& t) {
+inline uint64_t tableDigest(const postblend::lut3d_info& t) {
   const auto* bytes = reinterpret_cast<const unsigned char*>(&t);
   uint64_t h = 1469598103934665603ull;
   for (size_t i = 0; i < sizeof(t); ++i) h = (h ^ bytes[i]) * 1099511628211ull;
@@ -50,33 +50,33 @@ class TableWitness {
  public:
   // Reads the panel's tables and deltas as they are now.
   void capture(unsigned panel, const std::vector<uint32_t>& levels) {
-    using snapdragoncolor::Lut3DCacheManager;
+    using postblend::Lut3DCacheManager;
     std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(panel));
-    snapdragoncolor::lut3d_info* luts = nullptr;
+    postblend::lut3d_info* luts = nullptr;
     const int n = Lut3DCacheManager::getLutArrayPointer(panel, &luts);
     ASSERT_GT(n, 0);
     const int32_t* deltas = Lut3DCacheManager::slut3dDeltaPanel[panel];
     ASSERT_NE(deltas, nullptr);
-    auto scratch = std::make_unique<snapdragoncolor::lut3d_info>();
+    auto scratch = std::make_unique<postblend::lut3d_info>();
     for (int i = 0; i < n; ++i) {
       mDigests[static_cast<uint32_t>(i)].clear();
       if (i % 2 == 0) {
         mDigests[i].insert(tableDigest(luts[i]));
         continue;
       }
-      const int32_t* block = deltas + 3 * snapdragoncolor::kLut3dEntries * (i / 2);
+      const int32_t* block = deltas + 3 * postblend::kLut3dEntries * (i / 2);
       std::vector<uint32_t> weights = {4096};  // the full-brightness table itself
       for (uint32_t level : levels) {
         if (level >= 3500) weights.push_back((level * 4096u - 14336000u) / 4691u);
       }
       for (uint32_t w : weights) {
         std::memcpy(scratch.get(), &luts[i], sizeof(*scratch));
-        snapdragoncolor::applyDeltaQ12(luts[i - 1], *scratch, block, w);
+        postblend::applyDeltaQ12(luts[i - 1], *scratch, block, w);
         mDigests[i].insert(tableDigest(*scratch));
       }
     }
   }
-  bool valid(const snapdragoncolor::lut3d_info& t) const {
+  bool valid(const postblend::lut3d_info& t) const {
     auto it = mDigests.find(t.lut3d_id);
     return it != mDigests.end() && it->second.count(tableDigest(t)) != 0;
   }
@@ -92,23 +92,23 @@ class FrameSender {
   static constexpr uint32_t kUntouched = 0xFFFFFFFFu;
 
   FrameSender() {
-    mGamut = std::make_shared<snapdragoncolor::GamutConfig>();
+    mGamut = std::make_shared<postblend::GamutConfig>();
     mOut.payload.emplace_back("PostBlendGamut", mGamut);
-    mOut.payload.emplace_back("PostBlendGC", std::make_shared<snapdragoncolor::HwConfigPayload>());
+    mOut.payload.emplace_back("PostBlendGC", std::make_shared<postblend::HwConfigPayload>());
   }
   // Sends one render-intent op; true when the gamut asset got no table or a valid one.
-  bool send(snapdragoncolor::PanelCorvane* panel, int intent, const TableWitness& witness) {
-    snapdragoncolor::ModeRenderInputParams in;
+  bool send(postblend::PanelCorvane* panel, int intent, const TableWitness& witness) {
+    postblend::ModeRenderInputParams in;
     in.color_mode.gamut = 1;
     in.color_mode.intent = static_cast<uint32_t>(intent);
     mGamut->gamut_info.lut3d_id = kUntouched;
-    snapdragoncolor::ScPayload inP, outP;
+    postblend::ScPayload inP, outP;
     inP.len = sizeof(in);
     inP.payload = reinterpret_cast<uintptr_t>(&in);
     outP.len = sizeof(mOut);
     outP.payload = reinterpret_cast<uintptr_t>(&mOut);
-    panel->ProcessOps(snapdragoncolor::kScModeRenderIntent, inP, &outP);
-    const snapdragoncolor::lut3d_info& got = mGamut->gamut_info;
+    panel->ProcessOps(postblend::kScModeRenderIntent, inP, &outP);
+    const postblend::lut3d_info& got = mGamut->gamut_info;
     if (got.lut3d_id == kUntouched) return true;
     ++tablesSeen;
     return witness.valid(got);
@@ -116,12 +116,12 @@ class FrameSender {
   int tablesSeen = 0;
 
  private:
-  std::shared_ptr<snapdragoncolor::GamutConfig> mGamut;
-  snapdragoncolor::HwConfigOutputParams mOut;
+  std::shared_ptr<postblend::GamutConfig> mGamut;
+  postblend::HwConfigOutputParams mOut;
 };
 
-inline void setBrightnessFraction(snapdragoncolor::PanelCorvane* panel, double fraction) {
-  snapdragoncolor::ScPayload p;
+inline void setBrightnessFraction(postblend::PanelCorvane* panel, double fraction) {
+  postblend::ScPayload p;
   p.prop = 769;
   p.len = sizeof(fraction);
   p.payload = reinterpret_cast<uintptr_t>(&fraction);
@@ -143,8 +143,8 @@ class TwoPanelRig : public CoreTest {
 
   void SetUp() override {
     CoreTest::SetUp();
-    snapdragoncolor::PanelCorvaneFE::sIn100nits = -1;
-    snapdragoncolor::PanelCorvaneBE::resetAssetSwitches();
+    postblend::PanelCorvaneFE::sIn100nits = -1;
+    postblend::PanelCorvaneBE::resetAssetSwitches();
     std::string error;
     ASSERT_TRUE(pctool::writeSyntheticDevice(root.path(), {}, &error)) << error;
     root.write("/data/vendor/display/.keep", "");
@@ -156,7 +156,7 @@ class TwoPanelRig : public CoreTest {
     ASSERT_TRUE(waitFor([&] { return primary->tablesReady() && secondary->tablesReady(); }))
         << log.dump();
     ASSERT_TRUE(
-        waitFor([&] { return snapdragoncolor::PanelCorvaneBase::sIsHidlRegitsered.load(); }));
+        waitFor([&] { return postblend::PanelCorvaneBase::sIsHidlRegitsered.load(); }));
     ASSERT_TRUE(pctest::settle());
     witness[0].capture(0, kLevels);
     witness[1].capture(1, kLevels);
@@ -181,9 +181,9 @@ class TwoPanelRig : public CoreTest {
   }
 
   android::sp<RecordingDisplayService> display;
-  snapdragoncolor::PanelCorvane* primary = nullptr;
-  snapdragoncolor::PanelCorvane* secondary = nullptr;
-  snapdragoncolor::PanelCorvane::MixLut3DAidl aidl;
+  postblend::PanelCorvane* primary = nullptr;
+  postblend::PanelCorvane* secondary = nullptr;
+  postblend::PanelCorvane::MixLut3DAidl aidl;
   TableWitness witness[2];
   std::string cleanCache[2];
 };

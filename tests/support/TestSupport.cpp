@@ -105,7 +105,7 @@ void TempRoot::remove(const std::string& devicePath) const {
 }
 
 void resetSharedState() {
-  using B = snapdragoncolor::PanelCorvaneBase;
+  using B = postblend::PanelCorvaneBase;
   pchost::setSleepScale(0);
   B::sDebug = 1;
   B::sIsByPass = true;

@@ -13,7 +13,7 @@
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/PngImage.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "tools/lib/DeviceGrid.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/TableSource.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 using pctool::Interp;
 
 namespace {

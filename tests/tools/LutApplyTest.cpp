@@ -14,7 +14,7 @@
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/DeviceGrid.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 

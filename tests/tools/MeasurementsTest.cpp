@@ -279,9 +279,9 @@ TEST_F(ColorimeterFiles, AnArgyllPanelCalibratedFromItsOwnReadingsMeetsTheTarget
   pctool::OpticalDataFile odf;
   pctool::TargetParm target{};
   ASSERT_NO_FATAL_FAILURE(readPanelAndTarget(odf, target));
-  auto lut = std::make_unique<snapdragoncolor::lut3d_info>();
+  auto lut = std::make_unique<postblend::lut3d_info>();
   pctool::setDeviceGrid(*lut, 0);
-  snapdragoncolor::fe::generateLut3D(odf, target, {}, *lut);
+  postblend::fe::generateLut3D(odf, target, {}, *lut);
   ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/srgb.cube", *lut, "sRGB on this panel", err)) << err;
 
   // Drive values through the table as the hardware applies it; the readings then go back under

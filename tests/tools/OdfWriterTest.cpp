@@ -31,19 +31,19 @@ TEST(OdfWriter, TextBecomesAnImageThePluginAccepts) {
   pctest::TempRoot root;
   const pctool::OdfImage img = pctool::encodeOdf(v);
   root.writeBytes("/odm/etc/a.odf", img.data(), img.size());
-  snapdragoncolor::PanelCorvaneFE fe(nullptr, 0);
-  snapdragoncolor::PanelCorvaneBase::OpticalDataFile odf{};
+  postblend::PanelCorvaneFE fe(nullptr, 0);
+  postblend::PanelCorvaneBase::OpticalDataFile odf{};
   EXPECT_EQ(fe.readODF(odf, "/odm/etc/a.odf"), 0);
   EXPECT_EQ(odf.values[84], 10.0f);
 
-  snapdragoncolor::PanelCorvaneBase::OpticalDataFile back{};
-  const snapdragoncolor::OdfRead read = snapdragoncolor::readOdf(img.data(), img.size(), back);
+  postblend::PanelCorvaneBase::OpticalDataFile back{};
+  const postblend::OdfRead read = postblend::readOdf(img.data(), img.size(), back);
   ASSERT_TRUE(read.diagnosis.ok());
   EXPECT_TRUE(read.crcOk());
   EXPECT_EQ(back.values[118], 18.0f);
-  snapdragoncolor::PanelCorvaneBase::OpticalDataFile shortOne{};
-  EXPECT_FALSE(snapdragoncolor::readOdf(img.data(), 509, shortOne).diagnosis.ok());
-  error = snapdragoncolor::readOdf(img.data(), 509, shortOne).diagnosis.message;
+  postblend::PanelCorvaneBase::OpticalDataFile shortOne{};
+  EXPECT_FALSE(postblend::readOdf(img.data(), 509, shortOne).diagnosis.ok());
+  error = postblend::readOdf(img.data(), 509, shortOne).diagnosis.message;
   EXPECT_EQ(error, "509 bytes, an optical data file holds 510");
 }
 

@@ -14,7 +14,7 @@
 #include "tools/lib/ReportPlan.h"
 #include "tools/lib/SyntheticDevice.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -51,7 +51,7 @@ class ReportPages : public ::testing::Test {
         for (auto& e : t[k].entries) e.out[1] = e.in[1] * (8 - k / 2) / 8;
     }
     uint32_t trailer[4] = {source, panel, 1, 0};
-    trailer[3] = snapdragoncolor::Lut3DCacheManager::checkSum(t.data(), 8, source, panel, 1);
+    trailer[3] = postblend::Lut3DCacheManager::checkSum(t.data(), 8, source, panel, 1);
     std::string image(reinterpret_cast<const char*>(t.data()), 8 * sizeof(lut3d_info));
     root.write(pctool::cacheFilePath(panel), image + std::string(reinterpret_cast<const char*>(trailer), 16));
   }

@@ -11,9 +11,9 @@
 
 namespace {
 
-using snapdragoncolor::Lut3DCacheManager;
-using snapdragoncolor::PanelCorvaneBase;
-using snapdragoncolor::PanelCorvaneFE;
+using postblend::Lut3DCacheManager;
+using postblend::PanelCorvaneBase;
+using postblend::PanelCorvaneFE;
 
 TEST(SyntheticDevice, SerialNumbersEncodeTheStamp) {
   // Fields year 9, month 3, day 7, hour 8, minute 5, second 9, tenths 12.
@@ -49,7 +49,7 @@ TEST(SyntheticDevice, TreeFeedsTheGenerator) {
     const std::string stamp = pctool::stampOfSerial(serials.substr(41, 40));
     EXPECT_EQ(root.read("/mnt/vendor/persist/display/panel_id_d1") == stamp + "\n", c.matched);
 
-    auto* prop = new snapdragoncolor::Prop();
+    auto* prop = new postblend::Prop();
     ASSERT_TRUE(prop->Init());
     PanelCorvaneBase::sProp = prop;
     EXPECT_EQ(prop->GetPanelId("PanelCorvane_secondary"), 1u);

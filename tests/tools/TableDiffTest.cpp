@@ -12,7 +12,7 @@
 #include "tools/lib/CubeFile.h"
 #include "tools/lib/DeviceGrid.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -25,7 +25,7 @@ std::vector<lut3d_info> identities(size_t n) {
 // A table cache as the plugin writes it, checksum included.
 std::string cacheImage(std::vector<lut3d_info>& t) {
   const uint32_t n = static_cast<uint32_t>(t.size());
-  uint32_t trailer[4] = {0, 7, 1, snapdragoncolor::Lut3DCacheManager::checkSum(t.data(), n, 0, 7, 1)};
+  uint32_t trailer[4] = {0, 7, 1, postblend::Lut3DCacheManager::checkSum(t.data(), n, 0, 7, 1)};
   return std::string(reinterpret_cast<const char*>(t.data()), n * sizeof(lut3d_info)) +
          std::string(reinterpret_cast<const char*>(trailer), sizeof trailer);
 }

@@ -13,7 +13,7 @@
 #include "tools/lib/DeviceGrid.h"
 #include "tools/lib/OdfWriter.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -22,7 +22,7 @@ std::string cacheImage(uint32_t n, bool goodSum) {
   std::vector<lut3d_info> t(n);
   for (uint32_t k = 0; k < n; ++k) pctool::setIdentity(t[k], k);
   uint32_t trailer[4] = {0, 0, 7, 0};
-  trailer[3] = snapdragoncolor::Lut3DCacheManager::checkSum(t.data(), n, 0, 0, 7) + (goodSum ? 0 : 1);
+  trailer[3] = postblend::Lut3DCacheManager::checkSum(t.data(), n, 0, 0, 7) + (goodSum ? 0 : 1);
   std::string s(reinterpret_cast<const char*>(t.data()), n * sizeof(lut3d_info));
   return s + std::string(reinterpret_cast<const char*>(trailer), sizeof trailer);
 }

@@ -13,7 +13,7 @@
 #include "tools/lib/OdfWriter.h"
 #include "tools/lib/PanelModel.h"
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -82,7 +82,7 @@ TEST(Verify, Figures76MatchThePluginsOwnCheckOnAShiftedTable) {
   for (auto& e : lut->entries) e.out[0] = 4095 - e.in[0], e.out[2] = e.in[2] / 3;  // red inverted, blue darkened
   pctool::De76Report d = pctool::de76Report(*lut);
   pctest::LogCapture log;
-  int rc = snapdragoncolor::Algorithm::check3DLut(*lut);
+  int rc = postblend::Algorithm::check3DLut(*lut);
   for (int k = 0; k < 10; ++k)
     EXPECT_TRUE(log.has("1-check3DLut: [" + std::to_string(k) + "] = " + std::to_string(d.bins[k]))) << k;
   EXPECT_EQ(rc == 0, d.pass);

@@ -16,7 +16,7 @@
 #include "tools/lib/SyntheticDevice.h"
 
 using pctest::ToolRun;
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 

@@ -19,7 +19,7 @@
 #include "tools/lib/FileInfo.h"
 
 using pctest::ToolRun;
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -36,7 +36,7 @@ TEST_F(WorkbenchCommands, InspectTellsTheFwVersionAndTheChecksumVerdict) {
   std::vector<lut3d_info> t(6);
   for (uint32_t k = 0; k < 6; ++k) pctool::setIdentity(t[k], k);
   uint32_t trailer[4] = {2, 0, 1, 0};
-  trailer[3] = snapdragoncolor::Lut3DCacheManager::checkSum(t.data(), 6, 2, 0, 1) ^ 0x10;
+  trailer[3] = postblend::Lut3DCacheManager::checkSum(t.data(), 6, 2, 0, 1) ^ 0x10;
   std::string image(reinterpret_cast<const char*>(t.data()), 6 * sizeof(lut3d_info));
   root.write("/cofc.fw", image + std::string(reinterpret_cast<const char*>(trailer), 16));
   std::string text, err;
@@ -55,7 +55,7 @@ TEST_F(WorkbenchCommands, GradedCubeBecomesAHookTableTheBackendReads) {
   ToolRun r = run("export '" + dir + "/graded.cube' '" + dir + "/3D-Lut_Center_sRGB.txt'");
   ASSERT_EQ(r.status, 0) << r.err;
   auto back = std::make_unique<lut3d_info>();
-  ASSERT_EQ(snapdragoncolor::LutTextFile::readFile((dir + "/3D-Lut_Center_sRGB.txt").c_str(), back.get()), 29478);
+  ASSERT_EQ(postblend::LutTextFile::readFile((dir + "/3D-Lut_Center_sRGB.txt").c_str(), back.get()), 29478);
   EXPECT_EQ(std::memcmp(back->entries, lut->entries, sizeof lut->entries), 0);
 
   r = run("verify '" + dir + "/3D-Lut_Center_sRGB.txt' --json");

@@ -55,7 +55,7 @@ int usage(const std::string& why) {
   return kUsage;
 }
 
-int applyCsv(const snapdragoncolor::lut3d_info& lut, const std::string& in, const std::string& out,
+int applyCsv(const postblend::lut3d_info& lut, const std::string& in, const std::string& out,
              Interp interp, NodeGrid grid) {
   std::string error;
   if (!checkInputFile(in, error)) return fail(in, error);
@@ -71,7 +71,7 @@ int applyCsv(const snapdragoncolor::lut3d_info& lut, const std::string& in, cons
   return kOk;
 }
 
-int applyPng(const snapdragoncolor::lut3d_info& lut, const std::string& in, const std::string& out,
+int applyPng(const postblend::lut3d_info& lut, const std::string& in, const std::string& out,
              Interp interp, NodeGrid grid) {
   std::string error;
   Image8 img;

@@ -17,10 +17,10 @@
 #include <memory>
 #include <thread>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/DataSource.h"
 
-using namespace snapdragoncolor;
+using namespace postblend;
 
 namespace pctool {
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "snapdragoncolor/sc_post_blend_interface.h"
+#include "postblend/post_blend_interface.h"
 #include "tools/cli/SimulateOutputs.h"
 #include "tools/lib/Session.h"
 #include "tools/lib/TableJobLog.h"
@@ -48,7 +48,7 @@ struct PanelUnderTest {
 
 class SessionPlayer {
  public:
-  SessionPlayer(snapdragoncolor::GetScPostBlendInterfaceFn get, LogWatch& log, SimulateOutputs& outputs,
+  SessionPlayer(postblend::GetScPostBlendInterfaceFn get, LogWatch& log, SimulateOutputs& outputs,
                 const std::string& deviceRoot, const PanelUnderTest (&panels)[2]);
   ~SessionPlayer();
 
@@ -62,19 +62,19 @@ class SessionPlayer {
   const std::vector<std::string>& notReady() const { return mNotReady; }
 
  private:
-  snapdragoncolor::ScPostBlendInterface* panel(int i);
+  postblend::ScPostBlendInterface* panel(int i);
   void step(const SessionStep& s);
   void frame(const SessionStep& s);
   void waitTables(int p);
   void control(const SessionStep& s);
   int settledRefreshes();
 
-  snapdragoncolor::GetScPostBlendInterfaceFn mGet;
+  postblend::GetScPostBlendInterfaceFn mGet;
   LogWatch& mLog;
   SimulateOutputs& mOutputs;
   std::string mDeviceRoot;
   PanelUnderTest mPanels[2];
-  snapdragoncolor::ScPostBlendInterface* mObjects[2] = {nullptr, nullptr};
+  postblend::ScPostBlendInterface* mObjects[2] = {nullptr, nullptr};
   bool mRunning[2] = {false, false};
   size_t mInitMark[2] = {0, 0};  // log size when the panel's last Init began
   android::sp<RecordingDisplayService> mDisplay;

@@ -213,7 +213,7 @@ int runSimulate(const std::vector<std::string>& args) {
   pchost::setLogSink([&log](int prio, const char* tag, const char* text) { log.add(prio, tag, text); });
   void* handle = dlopen(o.plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) return fail(o.plugin.string(), std::string("cannot load the plugin: ") + dlerror());
-  auto get = reinterpret_cast<snapdragoncolor::GetScPostBlendInterfaceFn>(dlsym(handle, "GetScPostBlendInterface"));
+  auto get = reinterpret_cast<postblend::GetScPostBlendInterfaceFn>(dlsym(handle, "GetScPostBlendInterface"));
   if (get == nullptr) return fail(o.plugin.string(), "no GetScPostBlendInterface");
 
   SimulateOutputs outputs(o.out);

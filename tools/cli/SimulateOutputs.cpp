@@ -10,7 +10,7 @@ namespace pctool {
 
 namespace {
 // FNV-1a over the table's entries: tells distinct tables apart.
-uint64_t fingerprint(const snapdragoncolor::lut3d_info& lut) {
+uint64_t fingerprint(const postblend::lut3d_info& lut) {
   uint64_t h = 1469598103934665603ULL;
   const auto* bytes = reinterpret_cast<const unsigned char*>(&lut.entries);
   for (size_t i = 0; i < sizeof(lut.entries); ++i) {
@@ -21,7 +21,7 @@ uint64_t fingerprint(const snapdragoncolor::lut3d_info& lut) {
 }
 }  // namespace
 
-std::string SimulateOutputs::recordTable(int panel, const snapdragoncolor::lut3d_info& lut) {
+std::string SimulateOutputs::recordTable(int panel, const postblend::lut3d_info& lut) {
   uint64_t key = fingerprint(lut) ^ (static_cast<uint64_t>(panel) << 63);
   auto it = mTables.find(key);
   if (it != mTables.end()) return it->second.file;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/TableJobLog.h"
 
 namespace pctool {
@@ -16,7 +16,7 @@ class SimulateOutputs {
  public:
   explicit SimulateOutputs(std::filesystem::path out) : mOut(std::move(out)) {}
   // Remembers a table applied to `panel`; returns the .cube file name it is written to.
-  std::string recordTable(int panel, const snapdragoncolor::lut3d_info& lut);
+  std::string recordTable(int panel, const postblend::lut3d_info& lut);
   // Writes the .cube files and the report pages (the optical data's source and its reason
   // from `log`), and prints where they are. False when an output could not be written.
   bool finish(const std::vector<PluginLogLine>& log);
@@ -25,7 +25,7 @@ class SimulateOutputs {
   struct Table {
     int panel;
     std::string file;
-    snapdragoncolor::lut3d_info lut;
+    postblend::lut3d_info lut;
   };
   std::filesystem::path mOut;
   std::map<uint64_t, Table> mTables;

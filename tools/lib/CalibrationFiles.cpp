@@ -21,12 +21,12 @@ bool readOdfFile(const std::string& path, OpticalDataFile& odf, OdfCheck& check,
   }
   check.fileBytes = static_cast<uint64_t>(in.tellg());
   in.seekg(0);
-  uint8_t bytes[snapdragoncolor::odf::kBytes];
+  uint8_t bytes[postblend::odf::kBytes];
   in.read(reinterpret_cast<char*>(bytes), sizeof bytes);
   odf = OpticalDataFile{};
-  const snapdragoncolor::OdfRead read =
-      snapdragoncolor::readOdf(bytes, static_cast<size_t>(in.gcount()), odf);
-  check.whole = read.bytes == snapdragoncolor::odf::kBytes;
+  const postblend::OdfRead read =
+      postblend::readOdf(bytes, static_cast<size_t>(in.gcount()), odf);
+  check.whole = read.bytes == postblend::odf::kBytes;
   check.stored = read.storedCrc;
   check.computed = read.computedCrc;
   if (!read.diagnosis.ok()) {
@@ -37,7 +37,7 @@ bool readOdfFile(const std::string& path, OpticalDataFile& odf, OdfCheck& check,
 }
 
 bool parseTarget(const std::string& text, TargetParm& target, int& count, std::string& error) {
-  const snapdragoncolor::TargetRead read = snapdragoncolor::readTarget(text);
+  const postblend::TargetRead read = postblend::readTarget(text);
   target = TargetParm{};
   std::copy(read.values, read.values + read.count, target.values);
   count = read.count;

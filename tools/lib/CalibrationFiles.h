@@ -12,10 +12,10 @@
 
 namespace pctool {
 
-using OpticalDataFile = snapdragoncolor::PanelCorvaneBase::OpticalDataFile;
-using TargetParm = snapdragoncolor::PanelCorvaneBase::TargetParm;
-using snapdragoncolor::kMaxTargetBytes;
-using snapdragoncolor::kTargetFieldNames;
+using OpticalDataFile = postblend::PanelCorvaneBase::OpticalDataFile;
+using TargetParm = postblend::PanelCorvaneBase::TargetParm;
+using postblend::kMaxTargetBytes;
+using postblend::kTargetFieldNames;
 
 struct OdfCheck {
   uint64_t fileBytes = 0;

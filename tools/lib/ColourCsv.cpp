@@ -98,7 +98,7 @@ bool ColourCsv::parse(const std::string& text, ColourList& out, std::string& err
   return true;
 }
 
-std::string ColourCsv::apply(const ColourList& list, const snapdragoncolor::lut3d_info& lut, Interp interp,
+std::string ColourCsv::apply(const ColourList& list, const postblend::lut3d_info& lut, Interp interp,
                              NodeGrid grid) {
   std::string o = list.fractions ? "r,g,b" : "r8_in,g8_in,b8_in";
   o += ",r12,g12,b12,r8,g8,b8\n";

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/LutApply.h"
 
 namespace pctool {
@@ -33,7 +33,7 @@ class ColourCsv {
   static bool parse(const std::string& text, ColourList& out, std::string& error);
 
   // One line per colour: the input as given, the table's output as 12-bit codes, then as 8-bit.
-  static std::string apply(const ColourList& list, const snapdragoncolor::lut3d_info& lut, Interp interp,
+  static std::string apply(const ColourList& list, const postblend::lut3d_info& lut, Interp interp,
                            NodeGrid grid);
 };
 

@@ -21,7 +21,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CellInterp.h"
 #include "tools/lib/DeviceGrid.h"
 
@@ -43,17 +43,17 @@ class CubeFile {
   static constexpr size_t kMaxLineBytes = 1024;
 
   // Writes the table's outputs as code / 4095 with enough digits to read back exactly.
-  static void write(std::ostream& os, const snapdragoncolor::lut3d_info& lut, const std::string& title);
-  static bool writeFile(const std::string& path, const snapdragoncolor::lut3d_info& lut,
+  static void write(std::ostream& os, const postblend::lut3d_info& lut, const std::string& title);
+  static bool writeFile(const std::string& path, const postblend::lut3d_info& lut,
                         const std::string& title, std::string& error);
 
   // Parses a .cube into a device table: header flags 0, the given id, uniform 1, 4913 entries;
   // inputs on the device grid, outputs rounded to 12-bit codes; a 3D cube of another size than
   // 17 is resampled with `interp`. On failure `error` holds one line such as "line 7 malformed"
   // and the outputs of `lut` are unspecified.
-  static bool parse(std::istream& is, snapdragoncolor::lut3d_info& lut, uint32_t lutId,
+  static bool parse(std::istream& is, postblend::lut3d_info& lut, uint32_t lutId,
                     CubeReadInfo& info, std::string& error, Interp interp = Interp::Tetrahedral);
-  static bool readFile(const std::string& path, snapdragoncolor::lut3d_info& lut, uint32_t lutId,
+  static bool readFile(const std::string& path, postblend::lut3d_info& lut, uint32_t lutId,
                        CubeReadInfo& info, std::string& error, Interp interp = Interp::Tetrahedral);
 };
 

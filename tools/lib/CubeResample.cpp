@@ -22,7 +22,7 @@ uint32_t toCode(double v) {
 
 }  // namespace
 
-void resampleCube(const CubeTable& cube, Interp interp, snapdragoncolor::lut3d_info& lut) {
+void resampleCube(const CubeTable& cube, Interp interp, postblend::lut3d_info& lut) {
   const uint32_t n = cube.size;
   uint32_t cell[kGrid];
   double frac[kGrid];

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CellInterp.h"
 
 namespace pctool {
@@ -31,7 +31,7 @@ inline uint64_t cubeRows(uint32_t dims, uint32_t size) {
 
 // Fills the outputs of `lut` (whose inputs are the device grid) from `cube`, rounded to 12-bit
 // codes. `interp` only matters for a 3D cube.
-void resampleCube(const CubeTable& cube, Interp interp, snapdragoncolor::lut3d_info& lut);
+void resampleCube(const CubeTable& cube, Interp interp, postblend::lut3d_info& lut);
 
 // "resampled from 33 nodes (tetrahedral)", "resampled from a 1D table of 1024 entries (linear)".
 std::string resampleNote(uint32_t dims, uint32_t size, Interp interp);

@@ -15,7 +15,7 @@ std::string goldenOdfPath(const std::string& displayName, int set) {
   return "/odm/etc/PanelCorvane/" + displayName + "_" + kOdfSetNames[set] + ".odf";
 }
 
-std::string cacheFilePath(uint32_t panel) { return snapdragoncolor::Lut3DCacheManager::cachePath(panel ? 1 : 0); }
+std::string cacheFilePath(uint32_t panel) { return postblend::Lut3DCacheManager::cachePath(panel ? 1 : 0); }
 
 std::string DataSource::word() const {
   switch (kind) {

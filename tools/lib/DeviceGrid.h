@@ -5,22 +5,22 @@
 #include <cstdint>
 
 #include "base/LutGrid.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
 namespace pctool {
 
-constexpr uint32_t kGrid = snapdragoncolor::kLut3dGridSize;
-constexpr uint32_t kEntries = snapdragoncolor::kLut3dEntries;
+constexpr uint32_t kGrid = postblend::kLut3dGridSize;
+constexpr uint32_t kEntries = postblend::kLut3dEntries;
 constexpr double kFullScale = 4095.0;
 
-inline uint32_t gridCode(uint32_t level) { return snapdragoncolor::lutGridCode(level); }
+inline uint32_t gridCode(uint32_t level) { return postblend::lutGridCode(level); }
 
 inline uint32_t entryIndex(uint32_t r, uint32_t g, uint32_t b) {
-  return snapdragoncolor::lutEntryIndex(r, g, b);
+  return postblend::lutEntryIndex(r, g, b);
 }
 
 // Header of a table as the plugin fills it, and the grid inputs of every entry; outputs untouched.
-inline void setDeviceGrid(snapdragoncolor::lut3d_info& lut, uint32_t lutId) {
+inline void setDeviceGrid(postblend::lut3d_info& lut, uint32_t lutId) {
   lut.flags = 0;
   lut.lut3d_id = lutId;
   lut.uniform = 1;
@@ -36,7 +36,7 @@ inline void setDeviceGrid(snapdragoncolor::lut3d_info& lut, uint32_t lutId) {
 }
 
 // A table whose outputs equal its inputs.
-inline void setIdentity(snapdragoncolor::lut3d_info& lut, uint32_t lutId) {
+inline void setIdentity(postblend::lut3d_info& lut, uint32_t lutId) {
   setDeviceGrid(lut, lutId);
   for (auto& e : lut.entries)
     for (int c = 0; c < 3; ++c) e.out[c] = e.in[c];

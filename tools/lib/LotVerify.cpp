@@ -17,7 +17,7 @@ namespace pctool {
 namespace {
 
 namespace fs = std::filesystem;
-namespace fe = snapdragoncolor::fe;
+namespace fe = postblend::fe;
 
 constexpr const char* kPropertyFile = "/odm/etc/PanelCorvane/panelcorvane";
 

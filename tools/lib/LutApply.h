@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CellInterp.h"
 
 namespace pctool {
@@ -20,19 +20,19 @@ struct Rgb {
 };
 
 // Output of the table for an input in 0..1 per channel (clamped), as 12-bit codes (not rounded).
-Rgb sampleLut(const snapdragoncolor::lut3d_info& lut, const Rgb& in01, Interp interp, NodeGrid grid);
+Rgb sampleLut(const postblend::lut3d_info& lut, const Rgb& in01, Interp interp, NodeGrid grid);
 
 // A 12-bit output code (not rounded) as an 8-bit value: code / 4095 rescaled to 255, rounded.
 uint8_t codeTo8(double code);
 
 // Applies the table in place to `pixels` pixels of `channels` (3 or 4) bytes each; a fourth
 // channel (alpha) is left as it is.
-void applyLutInPlace(const snapdragoncolor::lut3d_info& lut, uint8_t* px, size_t pixels, int channels,
+void applyLutInPlace(const postblend::lut3d_info& lut, uint8_t* px, size_t pixels, int channels,
                      Interp interp, NodeGrid grid);
 
 // Applies the table to `pixels` packed 8-bit RGB triples; 8-bit v stands for v / 255, and the
 // output is the code / 4095 rescaled to 255 and rounded.
-void applyLut8(const snapdragoncolor::lut3d_info& lut, const uint8_t* in, uint8_t* out, size_t pixels,
+void applyLut8(const postblend::lut3d_info& lut, const uint8_t* in, uint8_t* out, size_t pixels,
                Interp interp, NodeGrid grid);
 
 }  // namespace pctool

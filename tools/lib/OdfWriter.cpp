@@ -23,7 +23,7 @@ void getXyz(const OdfValues& in, int at, double* xyz) {
 
 uint16_t crcOf(const uint8_t* bytes) {
   std::vector<unsigned char> copy(bytes, bytes + 508);
-  return static_cast<uint16_t>(snapdragoncolor::Algorithm::crc_cal_by_bit(copy.data(), 508));
+  return static_cast<uint16_t>(postblend::Algorithm::crc_cal_by_bit(copy.data(), 508));
 }
 
 bool fail(std::string* error, const std::string& text) {

@@ -22,18 +22,18 @@
 
 namespace pctool {
 
-constexpr size_t kOdfBytes = snapdragoncolor::odf::kBytes;
-constexpr int kOdfFloats = snapdragoncolor::odf::kFloats;
+constexpr size_t kOdfBytes = postblend::odf::kBytes;
+constexpr int kOdfFloats = postblend::odf::kFloats;
 using OdfImage = std::array<uint8_t, kOdfBytes>;
 
 // Grey levels below white, in the order of their positions 11, 17, ..., 47.
 constexpr int kOdfGreyLevels[7] = {3584, 3072, 2560, 2048, 1536, 1024, 512};
-constexpr int kOdfRedAt = snapdragoncolor::odf::kRedXyzAt;
-constexpr int kOdfGreenAt = snapdragoncolor::odf::kGreenXyzAt;
-constexpr int kOdfBlueAt = snapdragoncolor::odf::kBlueXyzAt;
-constexpr int kOdfWhiteAt = snapdragoncolor::odf::kWhiteXyzAt;
+constexpr int kOdfRedAt = postblend::odf::kRedXyzAt;
+constexpr int kOdfGreenAt = postblend::odf::kGreenXyzAt;
+constexpr int kOdfBlueAt = postblend::odf::kBlueXyzAt;
+constexpr int kOdfWhiteAt = postblend::odf::kWhiteXyzAt;
 inline int odfGreyYAt(int greyIndex) {
-  return snapdragoncolor::odf::greyLuminanceAt(greyIndex + 1);
+  return postblend::odf::greyLuminanceAt(greyIndex + 1);
 }
 
 struct OdfMeasurements {

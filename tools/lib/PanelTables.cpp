@@ -15,12 +15,12 @@
 
 namespace pctool {
 
-namespace fe = snapdragoncolor::fe;
-using snapdragoncolor::lut3d_info;
+namespace fe = postblend::fe;
+using postblend::lut3d_info;
 
 namespace {
 
-constexpr size_t kIdBuf = snapdragoncolor::PanelCorvaneBE::kTextBufSize;
+constexpr size_t kIdBuf = postblend::PanelCorvaneBE::kTextBufSize;
 
 // At most `limit` bytes of a file; false when it cannot be opened.
 bool readHead(const std::string& path, size_t limit, std::string& out) {
@@ -35,8 +35,8 @@ bool readHead(const std::string& path, size_t limit, std::string& out) {
 // PanelCorvaneFE::readODF without the log: laid over the record as the plugin lays it.
 bool readOdfRecord(const std::string& path, OpticalDataFile& odf) {
   std::string bytes;
-  if (!readHead(path, snapdragoncolor::odf::kBytes, bytes)) return false;
-  return snapdragoncolor::readOdf(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), odf).crcOk();
+  if (!readHead(path, postblend::odf::kBytes, bytes)) return false;
+  return postblend::readOdf(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), odf).crcOk();
 }
 
 std::string localPath(uint32_t panel, int set) { return fe::kLocalOdf[panel == 0 ? 0 : 1][set]; }
@@ -61,12 +61,12 @@ int readOpticalData(const std::string& dir, bool matched, uint32_t panel, const 
 // PanelCorvaneFE::readTargets / readTargetParm: a target counts as read when its file opens.
 void readTargets(const std::string& dir, const std::string& name, const DeviceSwitches& sw, TargetParm* targets,
                  bool* read) {
-  const int wanted = sw.gammaCorrection ? snapdragoncolor::kTargetValues : snapdragoncolor::kTargetBaseValues;
+  const int wanted = sw.gammaCorrection ? postblend::kTargetValues : postblend::kTargetBaseValues;
   for (int k = 0; k < fe::targetFilesToRead(sw.use100nits); ++k) {
     std::string text;
-    read[k] = readHead(dir + fe::kOdmDir + name + fe::kTargetSuffix[k], snapdragoncolor::kMaxTargetBytes, text);
+    read[k] = readHead(dir + fe::kOdmDir + name + fe::kTargetSuffix[k], postblend::kMaxTargetBytes, text);
     if (!read[k]) continue;
-    const snapdragoncolor::TargetRead t = snapdragoncolor::readTarget(text);
+    const postblend::TargetRead t = postblend::readTarget(text);
     std::copy(t.values, t.values + std::min(t.count, wanted), targets[k].values);
   }
 }
@@ -143,7 +143,7 @@ bool identityMatches(const std::string& dir, uint32_t panel) {
   serial = serial.substr(0, std::min(std::strlen(serial.c_str()), tarnu_display::kSerialArgSize - 1));
   if (serial.size() < 40) return false;  // the driver's answer is judged by its length
   std::memcpy(sn, serial.data(), serial.size());
-  snapdragoncolor::PanelCorvaneBE backend(nullptr);
+  postblend::PanelCorvaneBE backend(nullptr);
   return backend.transferAndCmp(sn, factoryId);
 }
 
@@ -186,7 +186,7 @@ void loadDisplayTables(const std::string& dir, const DeviceSwitches& sw, const s
     lut.flags = 0;
     lut.lut3d_id = static_cast<uint32_t>(i);
     lut.uniform = 1;
-    lut.num_entries = snapdragoncolor::kLut3dEntries;
+    lut.num_entries = postblend::kLut3dEntries;
     fe::generateLut3D(out.odf[plan.table[i].odf], out.targets[plan.table[i].target], switches, lut);
   }
   out.source = !out.matched ? 1 : got == 1 ? 2 : 0;

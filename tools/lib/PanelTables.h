@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "frontend/TablePlan.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/PropertyFile.h"
 
@@ -35,16 +35,16 @@ struct DisplayTables {
   int source = -1;       // the cache trailer's word: 0 local, 1 golden, 2 golden although matched
   bool fromCache = false;
   std::string note;  // why the cache was not taken, or why there are no tables
-  OpticalDataFile odf[snapdragoncolor::fe::kOdfSets] = {};  // the data the tables came from
+  OpticalDataFile odf[postblend::fe::kOdfSets] = {};  // the data the tables came from
   // The panel as it is, to judge the tables by: its own measurements of each set when the
   // identity matches and the file passes its CRC, else the golden data (a panel that does not
   // match its factory data is best described by the panel type).
-  OpticalDataFile judge[snapdragoncolor::fe::kOdfSets] = {};
-  bool judgeLocal[snapdragoncolor::fe::kOdfSets] = {};
-  TargetParm targets[snapdragoncolor::fe::kTargetFiles] = {};
-  std::vector<snapdragoncolor::lut3d_info> tables;  // empty when the plugin would have none
+  OpticalDataFile judge[postblend::fe::kOdfSets] = {};
+  bool judgeLocal[postblend::fe::kOdfSets] = {};
+  TargetParm targets[postblend::fe::kTargetFiles] = {};
+  std::vector<postblend::lut3d_info> tables;  // empty when the plugin would have none
   // What table k was made from (odf set, target file).
-  snapdragoncolor::fe::TableInputs inputs(int k) const { return snapdragoncolor::fe::tableInputs(k, use100nits); }
+  postblend::fe::TableInputs inputs(int k) const { return postblend::fe::tableInputs(k, use100nits); }
   bool use100nits = false;
 };
 

@@ -6,7 +6,7 @@
 
 namespace pctool {
 
-using snapdragoncolor::PropertyProblem;
+using postblend::PropertyProblem;
 
 namespace {
 const char* const kSwitches[] = {"LogLevel",
@@ -37,10 +37,10 @@ bool PropertyFile::load(const std::string& hostPath, std::string& error) {
   mDiagnosis = {};
   if (!checkInputFile(hostPath, error)) return false;
   std::ifstream in(hostPath, std::ios::binary);
-  std::string text(snapdragoncolor::kMaxPropertyBytes + 1, '\0');
+  std::string text(postblend::kMaxPropertyBytes + 1, '\0');
   in.read(&text[0], static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<size_t>(in.gcount()));
-  snapdragoncolor::PropertyRead read = snapdragoncolor::readProperties(text);
+  postblend::PropertyRead read = postblend::readProperties(text);
   mDiagnosis = read.diagnosis;
   if (mDiagnosis.problem == PropertyProblem::TooLarge) {
     error = mDiagnosis.message;
@@ -49,14 +49,14 @@ bool PropertyFile::load(const std::string& hostPath, std::string& error) {
   for (auto& line : read.accepted) {
     if (!mEntries.emplace(line.key, line.value).second) continue;
     if (!isSwitch(line.key))
-      mNames.emplace_back(line.key, snapdragoncolor::panelIndexOf(line.value));
+      mNames.emplace_back(line.key, postblend::panelIndexOf(line.value));
   }
   return true;
 }
 
 int PropertyFile::intOr(const std::string& key, int def) const {
   auto it = mEntries.find(key);
-  return it == mEntries.end() ? def : snapdragoncolor::propertyInt(it->second);
+  return it == mEntries.end() ? def : postblend::propertyInt(it->second);
 }
 
 uint32_t PropertyFile::panelOf(const std::string& name) const {

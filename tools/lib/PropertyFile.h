@@ -28,14 +28,14 @@ class PropertyFile {
   // "A, B" for messages.
   std::string namesText() const;
   // The first line the plugin skips or reads in a way its author likely did not mean.
-  const snapdragoncolor::ReadDiagnosis<snapdragoncolor::PropertyProblem>& diagnosis() const {
+  const postblend::ReadDiagnosis<postblend::PropertyProblem>& diagnosis() const {
     return mDiagnosis;
   }
 
  private:
   std::map<std::string, std::string> mEntries;
   std::vector<std::pair<std::string, uint32_t>> mNames;
-  snapdragoncolor::ReadDiagnosis<snapdragoncolor::PropertyProblem> mDiagnosis;
+  postblend::ReadDiagnosis<postblend::PropertyProblem> mDiagnosis;
 };
 
 }  // namespace pctool

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/DataSource.h"
 
@@ -31,7 +31,7 @@ struct ReportOdf {
 
 struct ReportTable {
   std::string name;  // "1 Vivid"
-  std::shared_ptr<const snapdragoncolor::lut3d_info> lut;
+  std::shared_ptr<const postblend::lut3d_info> lut;
   int odf = -1;     // index into odfs of the data the table was made from; -1 unknown
   int target = -1;  // index into targets of its target; -1 unknown
 };

@@ -13,7 +13,7 @@
 
 namespace pctool {
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 

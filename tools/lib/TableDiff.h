@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 
 namespace pctool {
 
@@ -34,7 +34,7 @@ struct TableDiff {
   uint32_t maxAbs() const;
 };
 
-TableDiff diffTables(const snapdragoncolor::lut3d_info& a, const snapdragoncolor::lut3d_info& b);
+TableDiff diffTables(const postblend::lut3d_info& a, const postblend::lut3d_info& b);
 
 struct DiffReport {
   std::string pathA, pathB;

@@ -15,7 +15,7 @@
 
 namespace pctool {
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -162,12 +162,12 @@ bool readCacheFile(const std::string& path, CacheContents& out, std::string& err
     bytes.resize(static_cast<size_t>(in.gcount()));
   }
   const uint8_t* data = reinterpret_cast<const uint8_t*>(bytes.data());
-  const snapdragoncolor::CacheRead read =
-      bytes.empty() ? snapdragoncolor::readCacheImage(nullptr, size, out.tables)
-                    : snapdragoncolor::readCacheImage(data, bytes.size(), out.tables);
+  const postblend::CacheRead read =
+      bytes.empty() ? postblend::readCacheImage(nullptr, size, out.tables)
+                    : postblend::readCacheImage(data, bytes.size(), out.tables);
   out.fileBytes = size;
-  if (read.diagnosis.problem == snapdragoncolor::CacheProblem::WrongLength ||
-      read.diagnosis.problem == snapdragoncolor::CacheProblem::Truncated) {
+  if (read.diagnosis.problem == postblend::CacheProblem::WrongLength ||
+      read.diagnosis.problem == postblend::CacheProblem::Truncated) {
     error = read.diagnosis.message;
     out.tables.clear();
     return false;
@@ -184,11 +184,11 @@ bool readCacheFile(const std::string& path, CacheContents& out, std::string& err
 
 bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTextCheck& check,
                  std::string& error) {
-  using snapdragoncolor::LutTextFile;
+  using postblend::LutTextFile;
   check = LutTextCheck{};
   std::string text;
   if (!slurp(path, LutTextFile::kMaxBytes, text, error)) return false;
-  const snapdragoncolor::LutTextRead read = LutTextFile::parse(text.data(), text.size(), &lut);
+  const postblend::LutTextRead read = LutTextFile::parse(text.data(), text.size(), &lut);
   check.values = read.tokens;
   if (!read.diagnosis.ok()) {
     error = read.diagnosis.message;
@@ -230,7 +230,7 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       t.lut = std::make_shared<lut3d_info>();
       LutTextCheck check;
       if (!readLutText(path, *t.lut, 0, check, error)) return false;
-      if (check.values > static_cast<uint32_t>(snapdragoncolor::LutTextFile::kValueCount))
+      if (check.values > static_cast<uint32_t>(postblend::LutTextFile::kValueCount))
         t.notes.push_back(std::to_string(check.values - 29478) +
                           " numbers after the 29478th are ignored");
       out.push_back(std::move(t));
@@ -267,7 +267,7 @@ std::string lutTextImage(const lut3d_info& lut) {
   size_t size = 0;
   FILE* mem = open_memstream(&buf, &size);
   if (mem == nullptr) return "";
-  snapdragoncolor::LutTextFile::write(mem, lut);
+  postblend::LutTextFile::write(mem, lut);
   fclose(mem);
   std::string out(buf, size);
   free(buf);

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "cache/CacheFileReader.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CubeFile.h"
 
 namespace pctool {
@@ -21,7 +21,7 @@ namespace pctool {
 enum class FileKind { Unknown, Odf, Cache, LutText, Cube, Target };
 const char* kindName(FileKind kind);
 
-using snapdragoncolor::cacheTableCount;  // the table count for a cache length, 0 when none fits
+using postblend::cacheTableCount;  // the table count for a cache length, 0 when none fits
 
 // Recognises `path`. Unknown comes with a reason in `error` ("not a LUT: ...", "cannot open").
 FileKind detectKind(const std::string& path, std::string& error);
@@ -31,7 +31,7 @@ struct CacheContents {
   uint32_t count = 0;  // tables in the file
   uint32_t source = 0, panelId = 0, paramVersion = 0;
   uint32_t storedCheckSum = 0, computedCheckSum = 0;
-  std::vector<snapdragoncolor::lut3d_info> tables;
+  std::vector<postblend::lut3d_info> tables;
   std::string checkSumMessage;  // "checksum mismatch: stored 0x..., computed 0x..." when it is
   bool checkSumOk() const { return storedCheckSum == computedCheckSum; }
   // The FWVersion a device needs to accept this file: its length.
@@ -51,13 +51,13 @@ struct LutTextCheck {
 // finds: a token that is no code of 0..4095 ("line N malformed: ..."), fewer than 29478 numbers,
 // or inputs that are not the device grid in entry order (red fastest), naming the first wrong
 // entry, its line and the inputs expected there.
-bool readLutText(const std::string& path, snapdragoncolor::lut3d_info& lut, uint32_t lutId,
+bool readLutText(const std::string& path, postblend::lut3d_info& lut, uint32_t lutId,
                  LutTextCheck& check, std::string& error);
 
 struct LoadedTable {
   FileKind kind = FileKind::Unknown;
   std::string label;  // e.g. "cofc.fw table 3 of 8"
-  std::shared_ptr<snapdragoncolor::lut3d_info> lut;
+  std::shared_ptr<postblend::lut3d_info> lut;
   std::vector<std::string> notes;  // warnings that do not stop the load
 };
 
@@ -68,7 +68,7 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
                 Interp cubeInterp = Interp::Tetrahedral);
 
 // The LUT text image of a table, exactly as the plugin's LutTextFile writes it.
-std::string lutTextImage(const snapdragoncolor::lut3d_info& lut);
+std::string lutTextImage(const postblend::lut3d_info& lut);
 
 // Loads table `index` of a cache (any index > 0 of a single-table file is an error).
 bool loadTable(const std::string& path, int index, LoadedTable& out, std::string& error);

@@ -10,7 +10,7 @@
 
 namespace pctool {
 
-using snapdragoncolor::lut3d_info;
+using postblend::lut3d_info;
 
 namespace {
 
@@ -67,9 +67,9 @@ std::vector<ReferenceColour> referenceColours() {
       "grey 64",   "grey 32",  "black",      "yellow",   "dark yellow",  "cyan",
       "dark cyan", "green",    "dark green", "magenta",  "dark magenta", "red",
       "dark red",  "blue",     "dark blue"};
-  snapdragoncolor::PanelCorvaneBase base;  // owns the plugin's reference colour table
+  postblend::PanelCorvaneBase base;  // owns the plugin's reference colour table
   std::vector<ReferenceColour> out;
-  for (int i = 0; i < snapdragoncolor::PanelCorvaneBase::kNumRefColors; ++i)
+  for (int i = 0; i < postblend::PanelCorvaneBase::kNumRefColors; ++i)
     out.push_back(
         {kNames[i], {base.mRefColors[i][0], base.mRefColors[i][1], base.mRefColors[i][2]}});
   return out;

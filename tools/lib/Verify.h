@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/De76Report.h"
-#include "snapdragoncolor/sc_color_records.h"
+#include "postblend/color_records.h"
 #include "tools/lib/CalibrationFiles.h"
 #include "tools/lib/Ciede2000.h"
 #include "tools/lib/MeasuredVerify.h"
@@ -17,8 +17,8 @@
 namespace pctool {
 
 // The figures check3DLut logs, from the plugin's own binning.
-using De76Report = snapdragoncolor::De76Report;
-using snapdragoncolor::de76Report;
+using De76Report = postblend::De76Report;
+using postblend::de76Report;
 
 // 12-bit codes read as an sRGB-encoded signal (code / 4095), to L*a*b* for D65.
 Lab srgbCodeLab(const uint32_t (&codes)[3]);
@@ -34,7 +34,7 @@ struct De2000Stats {
   double mean = 0, p95 = 0, max = 0;
   std::vector<NodeDe> worst;  // the ten largest, largest first
 };
-De2000Stats de2000Stats(const snapdragoncolor::lut3d_info& lut);
+De2000Stats de2000Stats(const postblend::lut3d_info& lut);
 
 // Predicted appearance of one 8-bit colour on the calibrated panel.
 struct ColourPrediction {
@@ -55,7 +55,7 @@ struct Prediction {
   double targetDecodeExponent = 0;
 };
 // False with a reason when the panel's primaries or the target are unusable.
-bool predict(const snapdragoncolor::lut3d_info& lut, const OpticalDataFile& odf,
+bool predict(const postblend::lut3d_info& lut, const OpticalDataFile& odf,
              const TargetParm& target, Prediction& out, std::string& error);
 
 // The 21 reference colours of the plugin and their names.

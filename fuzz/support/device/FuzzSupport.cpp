@@ -19,7 +19,7 @@ const std::string& quietPlatform() {
 }
 
 void resetSharedState() {
-  using B = snapdragoncolor::PanelCorvaneBase;
+  using B = postblend::PanelCorvaneBase;
   B::sDebug = 1;
   B::sIsByPass = false;
   B::sBrightness = 0;
@@ -32,7 +32,7 @@ void resetSharedState() {
 
 TwoPanels& runningDevice() {
   static TwoPanels* device = [] {
-    auto* d = new TwoPanels{new snapdragoncolor::PanelCorvane(), new snapdragoncolor::PanelCorvane()};
+    auto* d = new TwoPanels{new postblend::PanelCorvane(), new postblend::PanelCorvane()};
     d->primary->Init("PanelCorvane_primary");
     d->secondary->Init("PanelCorvane_secondary");
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(120);

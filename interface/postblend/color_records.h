@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 constexpr uint32_t kLut3dGridSize = 17;
 constexpr uint32_t kLut3dEntries = kLut3dGridSize * kLut3dGridSize * kLut3dGridSize;  // 4913
@@ -77,4 +77,4 @@ struct HwConfigOutputParams {
   std::vector<std::pair<std::string, std::shared_ptr<HwConfigPayload>>> payload;
 };
 
-}  // namespace snapdragoncolor
+}  // namespace postblend

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace snapdragoncolor {
+namespace postblend {
 
 // Every property and op call carries one of these. `payload` is the address of the data record
 // that `prop` (or the op) defines; `len` is that record's size.
@@ -43,6 +43,6 @@ class ScPostBlendInterface {
 // The one entry the colour manager looks up in the plugin library.
 using GetScPostBlendInterfaceFn = ScPostBlendInterface* (*)(int major, int minor);
 
-}  // namespace snapdragoncolor
+}  // namespace postblend
 
-extern "C" snapdragoncolor::ScPostBlendInterface* GetScPostBlendInterface(int major, int minor);
+extern "C" postblend::ScPostBlendInterface* GetScPostBlendInterface(int major, int minor);
