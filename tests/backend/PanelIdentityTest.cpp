@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstdio>
 #include <string>
 
@@ -24,6 +25,11 @@ std::string serial(uint64_t y, uint64_t mo, uint64_t d, uint64_t h, uint64_t mi,
   return std::string("TNPANEL-SN-0123456789-ABC") + hex;
 }
 const std::string kSerial = serial(9, 3, 7, 8, 5, 9, 12);
+
+std::string lowerCase(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return s;
+}
 
 class PanelIdentityTest : public ::testing::Test {
  protected:
@@ -51,6 +57,7 @@ TEST_F(PanelIdentityTest, StampComparison) {
       {kSerial.substr(0, 39), kStamp, false, "PSN_ERROR!"},
       {kSerial, std::string(kStamp).substr(0, 22), false, "PSN_ERROR."},
       {kSerial, "2020/03/07_08:05:19_1.2", false, "0 <> 1 (17)"},
+      {lowerCase(serial(9, 10, 11, 12, 13, 14, 0xafe)), "2020/10/11_12:13:14_281.4", true, "PSN_OK."},
       {serial(10, 12, 31, 23, 59, 59, 65535), "2021/12/31_23:59:59_6553.4", false, "5 <> 4 (25)"},
   };
   for (const Case& c : cases) {

@@ -120,12 +120,13 @@ TEST_F(RenderIntentSelectionTest, EdgesOfThePayload) {
   EXPECT_EQ("-110---", noGamut.states()) << "switches are read once per process";
 }
 
+// The debug table file is read at every frame, its switches are not applied, and the table is
+// judged by the dE76 report when the log mask asks for it.
 TEST_F(RenderIntentSelectionTest, DebugTableFile) {
   PanelCorvaneBase::sDebug = 0x02;
   Output out;
   EXPECT_EQ(0, run(out, 50));
   EXPECT_TRUE(log.has("1-ProcessModeRenderIntent: fail to open output file!"));
-  EXPECT_EQ(0, log.countContaining("+++")) << "no closing listing";
   EXPECT_EQ(kUntouched, out.gamut->gamut_info.lut3d_id);
   std::unique_ptr<lut3d_info> file(new lut3d_info());
   pctest::fillTable(*file, 0, 2222);
@@ -137,30 +138,9 @@ TEST_F(RenderIntentSelectionTest, DebugTableFile) {
   EXPECT_EQ(0, std::memcmp(header, &out.gamut->gamut_info, sizeof(header)));
   EXPECT_EQ(2224u, out.gamut->gamut_info.entries[0].out[2]);
   EXPECT_EQ("1111111", out.states()) << "switches are not applied here";
-  const std::string v = std::to_string(sizeof(GamutConfig));
-  for (const std::string& line : std::vector<std::string>{
-           "- /odm/etc/PanelCorvane/Lut3D.txt", "LUT3D flags:0", "LUT3D lut3d_id:50",
-           "LUT3D uniform:1", "LUT3D num_entries:4913", "set 3DLUT[50]",
-           "Gamut enabled(1),version(" + v + ")", "+++ output hw asset PostBlendGC"})
-    EXPECT_TRUE(log.has("1-ProcessModeRenderIntent: " + line)) << line << log.dump();
-}
-
-TEST_F(RenderIntentSelectionTest, VerboseListing) {
-  PanelCorvaneBase::sDebug = 0x02 | 0x04;
-  ModeRenderInputParams request;
-  request.color_mode.hw_assets = {"PostBlendGamut", "PostBlendIGC"};
-  in.payload = reinterpret_cast<uint64_t>(&request);
-  Output out({"PostBlendGamut", "PostBlendDither", "PostBlendDE"});
+  EXPECT_EQ(0, log.countContaining("1-check3DLut: < 50 : "));
+  PanelCorvaneBase::sDebug = 0x04;
   EXPECT_EQ(0, run(out, 309));
-  const std::string v = std::to_string(sizeof(GamutConfig));
-  for (const std::string& line : std::vector<std::string>{
-           "start...", "HW asset:PostBlendGamut", "HW asset:PostBlendIGC",
-           "output hw asset PostBlendGamut", "hw asset PostBlendGamut(1)",
-           "output hw asset PostBlendDither(1)", "output hw asset PostBlendDE", "309-->5 (302)",
-           "--- (5) Gamut enabled(1),version(" + v + "),lut3d_id(%D)",  // "%D" as printed here
-           "+++ output hw asset PostBlendDE", "--- hw asset PostBlendGamut(1)",
-           "--- output hw asset PostBlendDither(1)"})
-    EXPECT_EQ(1, log.count("1-ProcessModeRenderIntent: " + line)) << line << "\n" << log.dump();
   EXPECT_EQ(1, log.countContaining("1-check3DLut: < 50 : ", "PanelCorvane"));
 }
 
