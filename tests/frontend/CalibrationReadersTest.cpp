@@ -1,12 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <string>
 
-#include "base/Algorithm.h"
 #include "frontend/OdfCheckReader.h"
 #include "frontend/OdfReader.h"
 #include "frontend/TargetReader.h"
+#include "tests/frontend/FeFixtures.h"
 
 using postblend::OdfCheckProblem;
 using postblend::OdfProblem;
@@ -50,16 +48,12 @@ TEST(OdfReader, ShortAndCorruptImages) {
     EXPECT_EQ(r.diagnosis.message.substr(0, c.message.size()), c.message) << c.name;
     EXPECT_EQ(r.crcOk(), c.problem == OdfProblem::None) << c.name;
   }
-}
-
-TEST(OdfReader, AShortInputOverAConsistentRecordPassesItsCrcAsThePluginExpects) {
-  const std::string good = odfImage();
+  // A short input over a record that was consistent keeps its tail, and so its CRC: the plugin
+  // takes it.
   PanelCorvaneBase::OpticalDataFile odf{};
   postblend::readOdf(reinterpret_cast<const uint8_t*>(good.data()), good.size(), odf);
   const auto r = postblend::readOdf(reinterpret_cast<const uint8_t*>(good.data()), 100, odf);
-  EXPECT_EQ(r.bytes, 100u);
-  EXPECT_TRUE(r.crcOk()) << "the tail kept what the record held";
-  EXPECT_EQ(r.diagnosis.problem, OdfProblem::Short);
+  EXPECT_TRUE(r.crcOk() && r.bytes == 100u && r.diagnosis.problem == OdfProblem::Short);
 }
 
 TEST(TargetReader, MalformedClassesAndWhatTheLenientReadingKeeps) {
@@ -127,6 +121,61 @@ TEST(OdfCheckReader, ConversionsAsTheCLibraryMakesThem) {
     EXPECT_EQ(r.converted, c.converted) << c.name;
     EXPECT_EQ(check.values[31], c.converted == 32 ? 31.5f : -7.0f) << c.name;
   }
+}
+
+using OdfFiles = fetest::FeTest;
+constexpr const char* kOdf = "/mnt/vendor/persist/display/Loading_ON_1_max.odf";
+
+TEST(Crc, CheckValuesOfTheCcittFalseSet) {
+  unsigned char digits[] = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
+  EXPECT_EQ(postblend::Algorithm::crc_cal_by_bit(digits, 9), 0x29B1u);
+  EXPECT_EQ(postblend::Algorithm::crc_cal_by_bit(digits, 0), 0xFFFFu);
+}
+
+TEST_F(OdfFiles, SealedImageIsAcceptedAFlippedBitRejectedAndMissingFilesTold) {
+  const std::string good = fetest::bytesOf(fetest::makeOdf(fetest::kPanel, 500, 2.2));
+  root.write(kOdf, good + "trailing bytes are ignored");
+  fetest::Odf odf{};
+  ASSERT_EQ(fe.readODF(odf, kOdf), 0);
+  EXPECT_EQ(std::memcmp(&odf, good.data(), 510), 0);
+  std::string flipped = good;
+  flipped[509] ^= 0x01;  // the stored CRC itself
+  root.write(kOdf, flipped);
+  EXPECT_EQ(fe.readODF(odf, kOdf), -1);
+  root.remove(kOdf);
+  EXPECT_EQ(fe.readODF(odf, kOdf), -1);
+  EXPECT_TRUE(log.has("1-readODF: open " + std::string(kOdf) + " failed!"));
+  root.write(kOdf, "");  // a fresh record: stored 0 against the CRC of 508 zero bytes
+  fetest::Odf fresh{};
+  EXPECT_EQ(fe.readODF(fresh, kOdf), -1);
+}
+
+TEST_F(OdfFiles, TargetNumbersDependOnGammaCorrectionAndStopAtBadOnes) {
+  const char* path = "/odm/etc/PanelCorvane/t.txt";
+  root.write(path, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20\n");
+  for (bool gc : {false, true}) {
+    PanelCorvaneBase::sIsGammaCorrectionOn = gc;
+    fetest::Target t;
+    for (float& v : t.values) v = -1;
+    ASSERT_EQ(fe.readTargetParm(t, path), 0);
+    EXPECT_EQ(t.values[8], 9);
+    EXPECT_EQ(t.values[19], gc ? 20 : -1);
+  }
+  root.write(path, "0.5 0.25 x 4 5");
+  fetest::Target t;
+  for (float& v : t.values) v = 7;
+  EXPECT_EQ(fe.readTargetParm(t, path), 0);
+  EXPECT_EQ(t.values[1], 0.25f);
+  EXPECT_EQ(t.values[2] + t.values[3], 14);
+  EXPECT_EQ(fe.readTargetParm(t, "/odm/etc/none.txt"), -1);
+  EXPECT_TRUE(log.has("1-readTargetParm: read /odm/etc/none.txt failed"));
+  PanelCorvaneBase::ODFErrorCheck check{};  // read without interpretation, failure or not
+  check.values[31] = 5;
+  EXPECT_EQ(fe.readODFCheck("/odm/etc/missing", &check), 0);
+  root.write("/odm/etc/check.txt", "1.5 2.5\n-3");
+  EXPECT_EQ(fe.readODFCheck("/odm/etc/check.txt", &check), 0);
+  EXPECT_EQ(check.values[2], -3.0f);
+  EXPECT_EQ(check.values[31], 5.0f);
 }
 
 }  // namespace

@@ -1,82 +1,49 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <random>
-
 #include "frontend/ColorMath.h"
 
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "tests/frontend/FeFixtures.h"
+
+namespace fetest {
 namespace {
 
-using postblend::fe::Chromaticities;
-using postblend::fe::Mat3;
 namespace fe = postblend::fe;
+using ColorMath = FeTest;
+float kIdentity[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 
-constexpr Chromaticities kSrgb = {
-    {{0.64f, 0.33f}, {0.30f, 0.60f}, {0.15f, 0.06f}, {0.3127f, 0.3290f}}};
-constexpr Chromaticities kBt2020 = {
-    {{0.708f, 0.292f}, {0.170f, 0.797f}, {0.131f, 0.046f}, {0.3127f, 0.3290f}}};
-
-void expectNear(const Mat3& got, const Mat3& want, double tol, const char* what) {
-  for (int r = 0; r < 3; ++r)
-    for (int c = 0; c < 3; ++c)
-      EXPECT_NEAR(got.m[r][c], want.m[r][c], tol) << what << " " << r << c;
-}
-
-TEST(ColorMathCore, PublishedMatrices) {
+// Published matrices (rounded to 4 places) through the front end's operations.
+TEST_F(ColorMath, PrimariesGiveThePublishedMatricesAndInvert) {
+  const Chroma kBt2020 = {{{0.708f, 0.292f}, {0.170f, 0.797f}, {0.131f, 0.046f}, {0.3127f, 0.3290f}}};
   const struct {
     const char* name;
-    Chromaticities c;
-    Mat3 toXyz, fromXyz;
+    Chroma chroma;
+    float m[3][3];
   } cases[] = {
-      {"sRGB",
-       kSrgb,
-       {{{0.4124f, 0.3576f, 0.1805f}, {0.2126f, 0.7152f, 0.0722f}, {0.0193f, 0.1192f, 0.9505f}}},
-       {{{3.2406f, -1.5372f, -0.4986f},
-         {-0.9689f, 1.8758f, 0.0415f},
-         {0.0557f, -0.2040f, 1.0570f}}}},
-      {"BT.2020",
-       kBt2020,
-       {{{0.6370f, 0.1446f, 0.1689f}, {0.2627f, 0.6780f, 0.0593f}, {0.0000f, 0.0281f, 1.0610f}}},
-       {{{1.7167f, -0.3557f, -0.2534f},
-         {-0.6667f, 1.6165f, 0.0158f},
-         {0.0176f, -0.0428f, 0.9421f}}}},
+      {"sRGB", kSrgb, {{0.4124f, 0.3576f, 0.1805f}, {0.2126f, 0.7152f, 0.0722f}, {0.0193f, 0.1192f, 0.9505f}}},
+      {"P3-D65", kP3, {{0.4866f, 0.2657f, 0.1982f}, {0.2290f, 0.6917f, 0.0793f}, {0.0000f, 0.0451f, 1.0439f}}},
+      {"BT.2020", kBt2020, {{0.6370f, 0.1446f, 0.1689f}, {0.2627f, 0.6780f, 0.0593f}, {0.0000f, 0.0281f, 1.0610f}}},
   };
   for (const auto& c : cases) {
-    const Mat3 m = fe::rgbToXyz(c.c);
-    expectNear(m, c.toXyz, 1e-4, c.name);
-    Mat3 inv = {};
-    ASSERT_TRUE(fe::invert(m, inv)) << c.name;
-    // The published inverses are rounded from the rounded forward matrices.
-    expectNear(inv, c.fromXyz, 1e-3, c.name);
+    Chroma in = c.chroma;
+    float m[3][3], inv[3][3];
+    fe.RGB2XYZ_Matrix(in.xy, m);
+    fe.inverseMatrix(m, inv);
+    for (int r = 0; r < 3; ++r) {
+      for (int k = 0; k < 3; ++k) {
+        EXPECT_NEAR(m[r][k], c.m[r][k], 1e-4) << c.name << " " << r << k;
+        const float prod = inv[r][0] * m[0][k] + inv[r][1] * m[1][k] + inv[r][2] * m[2][k];
+        EXPECT_NEAR(prod, r == k ? 1.0f : 0.0f, 1e-5) << c.name;
+      }
+    }
   }
-}
-
-TEST(ColorMathCore, SingularInverseLeavesOffDiagonalAlone) {
-  const Mat3 flat = {{{1, 2, 3}, {2, 4, 6}, {0, 1, 1}}};
-  Mat3 dst = {{{9, 9, 9}, {9, 9, 9}, {9, 9, 9}}};
-  EXPECT_FALSE(fe::invert(flat, dst));
-  expectNear(dst, Mat3{{{1, 9, 9}, {9, 1, 9}, {9, 9, 1}}}, 0, "singular");
-}
-
-// Between gamuts of one white the conversion takes full white to full white; a gamut to itself
-// is the identity.
-TEST(ColorMathCore, TargetToPanelKeepsWhite) {
-  Chromaticities panel = {{{0.685f, 0.314f}, {0.245f, 0.715f}, {0.14f, 0.05f}, {0.3127f, 0.3290f}}};
-  for (const Chromaticities& target : {kSrgb, kBt2020, panel}) {
-    Mat3 panelInv = {};
-    ASSERT_TRUE(fe::invert(fe::rgbToXyz(panel), panelInv));
-    const Mat3 m = fe::multiply(panelInv, fe::rgbToXyz(target));
-    const float one[3] = {1, 1, 1};
-    int out[3];
-    fe::linearToPanel(one, m, out);
-    for (int c = 0; c < 3; ++c) EXPECT_NEAR(out[c], 4095, 1);
-  }
-  panel.xy[3][0] = 0.31f;
-  panel.xy[3][1] = 0.33f;
-  Mat3 inv = {};
-  fe::invert(fe::rgbToXyz(panel), inv);
-  expectNear(fe::multiply(inv, fe::rgbToXyz(panel)), Mat3{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, 1e-5,
-             "self");
+  float flat[3][3] = {{1, 2, 3}, {2, 4, 6}, {0, 1, 1}}, dst[3][3];
+  for (auto& row : dst) for (float& v : row) v = 9;
+  fe.inverseMatrix(flat, dst);
+  for (int r = 0; r < 3; ++r)
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(dst[r][k], r == k ? 1.0f : 9.0f) << "singular: only the diagonal is set";
 }
 
 // The grid tables are a shortcut: at every grid node they must give exactly what the direct
@@ -85,33 +52,72 @@ TEST(ColorMathCore, GridShortcutEqualsDirectConversionBitForBit) {
   std::mt19937 rng(7);
   std::uniform_real_distribution<float> u(-0.3f, 1.3f);
   for (int trial = 0; trial < 4; ++trial) {
-    Mat3 m;
+    fe::Mat3 m;
     for (auto& row : m.m)
       for (float& v : row) v = u(rng);
     for (bool powerLaw : {true, false}) {
       const fe::GridProducts grid = fe::gridProducts(m, fe::gridLinear(powerLaw));
-      for (unsigned b = 0; b < 17; b += 3) {
-        for (unsigned g = 0; g < 17; ++g) {
-          for (unsigned r = 0; r < 17; ++r) {
-            const unsigned level[3] = {r, g, b};
-            int codes[3];
-            for (int c = 0; c < 3; ++c) codes[c] = level[c] == 16 ? 4095 : 256 * level[c];
-            int viaGrid[3], direct[3];
-            fe::gridLevelsToPanel(grid, level, 1 / 2.2f, powerLaw, viaGrid);
-            if (powerLaw) {
-              fe::powerCodesToPanel(codes, m, 1 / 2.2f, direct);
-            } else {
-              fe::srgbCodesToPanel(codes, m, direct);
-            }
-            ASSERT_EQ(std::memcmp(viaGrid, direct, sizeof(direct)), 0)
-                << "trial " << trial << " power " << powerLaw << " node " << r << "," << g << ","
-                << b << ": " << viaGrid[0] << " " << viaGrid[1] << " " << viaGrid[2] << " vs "
-                << direct[0] << " " << direct[1] << " " << direct[2];
-          }
+      for (unsigned n = 0; n < postblend::kLut3dEntries; n += 3) {
+        const unsigned level[3] = {n % 17, n / 17 % 17, n / 289};
+        int codes[3], viaGrid[3], direct[3];
+        for (int c = 0; c < 3; ++c) codes[c] = level[c] == 16 ? 4095 : 256 * static_cast<int>(level[c]);
+        fe::gridLevelsToPanel(grid, level, 1 / 2.2f, powerLaw, viaGrid);
+        if (powerLaw) {
+          fe::powerCodesToPanel(codes, m, 1 / 2.2f, direct);
+        } else {
+          fe::srgbCodesToPanel(codes, m, direct);
         }
+        ASSERT_EQ(std::vector<int>(viaGrid, viaGrid + 3), std::vector<int>(direct, direct + 3))
+            << "trial " << trial << " power " << powerLaw << " entry " << n;
       }
     }
   }
 }
 
+TEST_F(ColorMath, EncodingRoundTripsAndTheTailScalesClampsAndSurvivesNonFiniteValues) {
+  for (int code = 0; code < 4096; code += 5) {
+    int in[3] = {code, 4095 - code, code / 2}, srgb[3], power[3];
+    fe.nonlinearRGB2Panel(in, kIdentity, srgb);
+    fe.nonlinearRGB2Panel(in, kIdentity, 1 / 2.2f, power);
+    for (int c = 0; c < 3; ++c) ASSERT_TRUE(std::abs(srgb[c] - in[c]) <= 1 && std::abs(power[c] - in[c]) <= 1) << code;
+  }
+  const float inf = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  struct Case {
+    float in[3];
+    int out[3];
+  } cases[] = {
+      {{-0.5f, 0.0f, 1.0f}, {0, 0, 4095}},
+      {{nan, 0.0f, 1.0f}, {0, 0, 0}},     // 0 * NaN spreads NaN to every row
+      {{inf, 0.0f, 0.0f}, {4095, 0, 0}},  // NaN rows leave the largest NaN: no scaling
+      {{-inf, nan, 1e30f}, {0, 0, 0}},
+      {{1e30f, 1e30f, 0.0f}, {4095, 4095, 0}},
+  };
+  for (auto& c : cases) {
+    int out[3];
+    fe.nonlinearRGB2Panel(c.in, kIdentity, out);
+    EXPECT_EQ(std::vector<int>(out, out + 3), std::vector<int>(c.out, c.out + 3));
+  }
+  // An out-of-range triple is scaled as a whole: the largest channel ends at full scale.
+  float big[3] = {4.0f, 2.0f, 1.0f};
+  int out[3];
+  fe.nonlinearRGB2Panel(big, kIdentity, out);
+  EXPECT_EQ(out[0], 4095);
+  auto encode = [](double v) { return std::pow(v, 1 / 2.4) * 1.055 - 0.055; };
+  EXPECT_NEAR(out[1], 4095 * encode(2) / encode(4), 1.5);
+  EXPECT_NEAR(out[2], 4095 * encode(1) / encode(4), 1.5);
+  EXPECT_EQ(fe.max(0xFFFFFFFFu, 7, 0x80000000u), 0xFFFFFFFFu);
+  for (bool gc : {false, true}) {  // the grid operations, on either decoding curve
+    PanelCorvaneBase::sIsGammaCorrectionOn = gc;
+    fe.initPreCalLut3D();
+    fe.initPreCalLutRGB(kIdentity);
+    unsigned white[3] = {16, 16, 16}, black[3] = {0, 0, 0};
+    int w[3], b[3];
+    fe.nonlinearRGB2Panel(white, nullptr, 1 / 2.2f, w);
+    fe.nonlinearRGB2Panel(black, nullptr, 1 / 2.2f, b);
+    EXPECT_EQ(w[0] + w[1] + w[2] + b[0] + b[1] + b[2], 3 * 4095) << gc;
+  }
+}
+
 }  // namespace
+}  // namespace fetest

@@ -1,6 +1,7 @@
+#include "frontend/GammaTable.h"
+
 #include <vector>
 
-#include "frontend/GammaTable.h"
 #include "tests/frontend/FeFixtures.h"
 
 namespace fetest {
@@ -9,8 +10,7 @@ namespace {
 namespace fe = postblend::fe;
 using fe::GammaPass;
 
-std::vector<unsigned> table(const Odf& odf, const Target& t, GammaPass pass,
-                            fe::GammaKnots* knots = nullptr) {
+std::vector<unsigned> table(const Odf& odf, const Target& t, GammaPass pass, fe::GammaKnots* knots = nullptr) {
   fe::GammaTable out;
   fe::buildGammaTable(odf, t, pass, out, knots);
   return std::vector<unsigned>(out.code, out.code + fe::kGammaSize);
@@ -55,28 +55,47 @@ TEST(GammaTableCore, EachPassReadsItsOwnParameters) {
   }
 }
 
-TEST(GammaTableCore, MonotonicPanelsGiveNonDecreasingTables) {
-  for (double gamma : {1.8, 2.2, 2.6}) {
-    for (float p : {1 / 1.9f, 1 / 2.2f, 1 / 2.5f}) {
-      const auto t = table(makeOdf(kPanel, 500, gamma), makeTarget(kP3, p), GammaPass::Final);
-      for (int i = 1; i < fe::kGammaSize; ++i)
-        ASSERT_LE(t[i - 1], t[i]) << gamma << " " << p << " " << i;
+// Whatever the data, code 0 stays 0, 4095 stays 4095 and no entry leaves the code range; a
+// rising panel gives a rising table.
+TEST(GammaTableCore, EndsFixedEntriesBoundedAndMonotonic) {
+  const struct {
+    double whiteY, gamma;
+    float p;
+    bool rising;
+  } cases[] = {{500, 1.8, 1 / 1.9f, true}, {500, 2.2, 1 / 2.2f, true}, {500, 2.6, 1 / 2.5f, true},
+               {0, 2.2, 0.45f, false},     {500, 2.2, 0.0f, false},     {500, 2.2, -0.5f, false},
+               {500, 0.0, 0.45f, false},   {500, 9.0, 0.45f, false},    {-3, 2.2, 0.45f, false}};
+  for (const auto& c : cases) {
+    const auto t = table(makeOdf(kPanel, c.whiteY, c.gamma), makeTarget(kP3, c.p), GammaPass::Final);
+    EXPECT_EQ(t[0], 0u);
+    EXPECT_EQ(t[4095], 4095u);
+    for (int i = 1; i < fe::kGammaSize; ++i) {
+      ASSERT_LE(t[i], 4095u);
+      ASSERT_TRUE(!c.rising || t[i - 1] <= t[i]) << c.gamma << " " << c.p << " " << i;
     }
   }
 }
 
 using GammaTableWrapper = FeTest;
 
-TEST_F(GammaTableWrapper, OperationsGiveTheCoreTables) {
+// The operations are the core plus the intermediate pass's log lines and dump.
+TEST_F(GammaTableWrapper, OperationsGiveTheCoreTablesAndTheIntermediatePassDumps) {
+  PanelCorvaneBase::sDebug = 0x12;
   const Odf odf = makeOdf(kPanel, 420, 2.3);
-  Target t = makeTarget(kSrgb, 1 / 2.2f);
+  Target t = makeTarget(kSrgb, 0.5f);
   t.values[12] = 0.05f;
   t.values[17] = -0.05f;
   std::vector<unsigned> viaFe(fe::kGammaSize);
-  fe.GammaCorrection(odf, t, viaFe.data());
-  EXPECT_EQ(viaFe, table(odf, t, GammaPass::Intermediate));
   fe.GammaCorrectionFinal(odf, t, viaFe.data());
   EXPECT_EQ(viaFe, table(odf, t, GammaPass::Final));
+  EXPECT_EQ(log.countContaining("1-GammaCorrection"), 0);
+  EXPECT_FALSE(root.exists("/data/vendor/display/gamma-4096.txt"));
+  fe.GammaCorrection(odf, t, viaFe.data());
+  EXPECT_EQ(viaFe, table(odf, t, GammaPass::Intermediate));
+  EXPECT_TRUE(log.has("1-GammaCorrection: targetGamma is 2.000000")) << log.dump();
+  const std::string dump = root.read("/data/vendor/display/gamma-4096.txt");
+  EXPECT_EQ(dump.rfind("0 0\n", 0), 0u);
+  EXPECT_NE(dump.find("\n4095 4095\n"), std::string::npos);
 }
 
 }  // namespace

@@ -41,23 +41,4 @@ TEST(TablePlan, EachTableTakesItsRow) {
   }
 }
 
-TEST(TablePlan, CountIsBoundedByTheSlots) {
-  const bool all[8] = {true, true, true, true, true, true, true, true};
-  const bool noCinema[8] = {true, true, false, true, true, true, true, true};
-  const struct {
-    const bool* read;
-    bool use100;
-    int slots, count;
-  } cases[] = {{all, false, 8, 8}, {all, false, 6, 6},       {all, true, 6, 6},
-               {all, false, 0, 0}, {noCinema, false, 8, -1}, {noCinema, true, 6, -1}};
-  for (const auto& c : cases) {
-    const fe::TablePlan plan = fe::planTables(c.read, c.use100, c.slots);
-    EXPECT_EQ(plan.count, c.count) << c.slots;
-    for (int i = 0; i < plan.count; ++i) {
-      EXPECT_EQ(plan.table[i].odf, fe::tableInputs(i, c.use100).odf);
-      EXPECT_EQ(plan.table[i].target, fe::tableInputs(i, c.use100).target);
-    }
-  }
-}
-
 }  // namespace
