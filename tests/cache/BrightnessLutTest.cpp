@@ -57,9 +57,10 @@ TEST_F(BrightnessLutTest, RefusedIndicesAndMissingTables) {
     EXPECT_TRUE(log.has("1-calLut3d: calLut3d :" + std::to_string(idx) + ",brightness:5000 is not supported",
                         "PanelCorvaneCache")) << idx;
   }
+  M::calLut3d(M::kNumPanels, 1, 5000);  // no third panel
   pctest::resetLutCache();
   M::calLut3d(0, 1, 5000);
-  EXPECT_TRUE(log.has("1-calLut3d: getLutArrayPointer ERROR(0)")) << log.dump();
+  EXPECT_EQ(2, log.count("1-calLut3d: getLutArrayPointer ERROR(0)")) << log.dump();
 }
 
 TEST_F(BrightnessLutTest, DebugDumpFiles) {

@@ -94,6 +94,7 @@ TEST_F(CacheFileTest, AcceptanceRules) {
 
 TEST_F(CacheFileTest, InitDeInitRules) {
   EXPECT_EQ(1, M::loadCacheFromFile(0, kSize6, true, 0)) << "no file";
+  EXPECT_FALSE(M::init(M::kNumPanels, 0)) << "no third panel";
   EXPECT_TRUE(M::init(0, 0));
   EXPECT_TRUE(log.has("1-init: Num of Lut3D is 6,Panel(0)"));
   lut3d_info *first = nullptr, *second = nullptr;

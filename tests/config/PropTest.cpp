@@ -33,6 +33,8 @@ TEST(PropertyReader, EachOddityIsNamedWithItsLineWhileTheLinesStillCount) {
        "line 1: 'x' has no '=': skipped", 0},
       {"control bytes quoted", std::string("a\0b\n", 4), PropertyProblem::NoEquals, 1,
        "line 1: 'a?b' has no '=': skipped", 0},
+      {"a long line quoted to 40 characters", std::string(41, 'k') + "\n", PropertyProblem::NoEquals, 1,
+       "line 1: '" + std::string(40, 'k') + "...' has no '=': skipped", 0},
       {"oversized: read up to the limit", "A=1\n" + std::string(postblend::kMaxPropertyBytes, '#') + "\nB=2\n",
        PropertyProblem::TooLarge, 0, "larger than 1024 KiB: not a property file", 1},
   };
