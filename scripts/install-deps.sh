@@ -17,6 +17,8 @@ PACKAGES=(
   clang libclang-rt-14-dev        # fuzz/ and the -Werror build: clang, libFuzzer, sanitizer runtimes
   blueprint-tools                 # CI: Android.bp formatted as bpfmt writes it
   android-libutils-dev            # CI: the plugin compiled against AOSP's own libutils headers
+  g++-aarch64-linux-gnu           # CI: the plugin and its tests cross-built for the phone's arm64 CPU
+  qemu-user                       # CI: those arm64 tests run under qemu-aarch64 (no binfmt needed)
 )
 
 missing=()

@@ -38,16 +38,24 @@ ScratchDir::~ScratchDir() {
 }
 
 ToolResult runTool(const std::vector<std::string>& args, const std::string& outputFile) {
+  std::vector<std::string> words;
+#ifdef PC_TOOL_EMULATOR
+  // A cross build's tool runs through the emulator, as the tests do: no binfmt needed.
+  std::istringstream emulator(PC_TOOL_EMULATOR);
+  for (std::string w; emulator >> w;) words.push_back(w);
+#endif
   const std::string tool = std::string(PC_BUILD_DIR) + "/panelcorvane";
-  std::vector<char*> argv{const_cast<char*>(tool.c_str())};
-  for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+  words.push_back(tool);
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<char*> argv;
+  for (std::string& w : words) argv.push_back(w.data());
   argv.push_back(nullptr);
   posix_spawn_file_actions_t files;
   posix_spawn_file_actions_init(&files);
   posix_spawn_file_actions_addopen(&files, 1, outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
   posix_spawn_file_actions_adddup2(&files, 1, 2);
   pid_t pid = -1;
-  const int spawned = posix_spawn(&pid, tool.c_str(), &files, nullptr, argv.data(), environ);
+  const int spawned = posix_spawn(&pid, argv[0], &files, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&files);
   ToolResult result;
   int wstatus = 0;
