@@ -1,32 +1,20 @@
 // The factory's calibration files as the front end and the workbench read them: optical data
 // (.odf, CRC-checked), a mode's target parameters and the error-check file. Input: one byte (bit
 // 0 gamma correction on, bits 1-2 which reader), then the file.
-#include <fstream>
 #include <string>
 
 #include "base/PanelCorvaneBase.h"
-#include "frontend/OdfCheckReader.h"
-#include "frontend/OdfReader.h"
 #include "frontend/PanelCorvaneFE.h"
-#include "frontend/TargetReader.h"
 #include "fuzz/support/FuzzSupport.h"
 #include "tools/lib/CalibrationFiles.h"
 
 using postblend::PanelCorvaneBase;
 using postblend::PanelCorvaneFE;
 
-namespace {
 constexpr const char* kDevicePath = "/mnt/vendor/persist/display/fuzz_input";
-}
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  pcfuzz::quietPlatform();
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
-  pcfuzz::resetSharedState();
   PanelCorvaneBase::sIsGammaCorrectionOn = (data[0] & 1) != 0;
   const int reader = (data[0] >> 1) & 3;
   pcfuzz::writeDeviceFile(kDevicePath, data + 1, size - 1);
@@ -37,19 +25,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string error;
   if (reader == 0) {
     PanelCorvaneBase::OpticalDataFile odf{};
-    postblend::readOdf(data + 1, size - 1, odf);
     fe.readODF(odf, kDevicePath);
     pctool::OdfCheck check;
     pctool::readOdfFile(hostPath, odf, check, error);
   } else if (reader == 1) {
     PanelCorvaneBase::TargetParm target{};
-    postblend::readTarget(std::string(reinterpret_cast<const char*>(data + 1), size - 1));
     fe.readTargetParm(target, kDevicePath);
     int count = 0;
     pctool::readTargetFile(hostPath, target, count, error);
   } else {
     PanelCorvaneBase::ODFErrorCheck check{};
-    postblend::readOdfCheck(std::string(reinterpret_cast<const char*>(data + 1), size - 1), check);
     fe.readODFCheck(kDevicePath, &check);
   }
   pcfuzz::removeDeviceFile(kDevicePath);

@@ -8,36 +8,27 @@
 #include <vector>
 
 #include "backend/PanelCorvaneBE.h"
-#include "base/PanelCorvaneBase.h"
 #include "fuzz/support/FuzzSupport.h"
 
-using postblend::PanelCorvaneBase;
 using postblend::PanelCorvaneBE;
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  pcfuzz::quietPlatform();
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   const unsigned panel = data[0] & 1;
-  const bool driverMissing = (data[0] & 2) != 0;
   const std::string rest(reinterpret_cast<const char*>(data + 1), size - 1);
   const size_t split = rest.find('\0');
   const std::string stamp = rest.substr(0, split);
   const std::string serials = split == std::string::npos ? "" : rest.substr(split + 1);
-
+  const auto bytes = [](const std::string& s) {
+    return reinterpret_cast<const uint8_t*>(s.data());
+  };
   pcfuzz::writeDeviceFile(panel == 0 ? "/mnt/vendor/persist/display/panel_id"
                                      : "/mnt/vendor/persist/display/panel_id_d1",
-                          stamp);
-  if (driverMissing) {
-    pcfuzz::removeDeviceFile("/dev/tarnu_display");
-  } else {
-    pcfuzz::writeDeviceFile("/dev/tarnu_display", serials);
-  }
-
-  PanelCorvaneBase owner;
+                          bytes(stamp), stamp.size());
+  const bool driverMissing = (data[0] & 2) != 0;
+  driverMissing ? pcfuzz::removeDeviceFile("/dev/tarnu_display")
+                : pcfuzz::writeDeviceFile("/dev/tarnu_display", bytes(serials), serials.size());
+  postblend::PanelCorvaneBase owner;
   owner.mPanelIndex = panel;
   PanelCorvaneBE be(&owner);
   be.isPaneIdMatched();

@@ -3,29 +3,36 @@
 // for the targets that drive the plugin object itself.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 
-namespace postblend {
-class PanelCorvane;
-}
+#include "core/PanelCorvane.h"
 
 namespace pcfuzz {
 
 // Log lines dropped (PC_FUZZ_LOG=1 keeps them), pauses scaled to 0, device paths rooted in a
-// fresh temporary folder. Returns that folder. Idempotent.
+// fresh temporary folder. Returns that folder. Idempotent; writeDeviceFile calls it.
 const std::string& quietPlatform();
 
 // Writes `size` bytes at device path `devicePath` under the root, creating folders.
 void writeDeviceFile(const std::string& devicePath, const uint8_t* data, size_t size);
-void writeDeviceFile(const std::string& devicePath, const std::string& text);
 void removeDeviceFile(const std::string& devicePath);
 
 // Every static of the shared state back to its start value (bypass off, as after a good Init).
-void resetSharedState();
+inline void resetSharedState() {
+  using B = postblend::PanelCorvaneBase;
+  B::sDebug = 1;
+  B::sIsByPass = false;
+  B::sBrightness = 0;
+  B::sCFGMode = -1;
+  B::sDEStatus = -1;
+  B::sNeedUpdate = false;
+  B::sIsLut3dHook = false;
+  B::sCurrentPanel = 0;
+}
 
-// Both panels of a synthetic eight-table device, initialised, tables ready; made once.
+// Both panels of the device (a synthetic eight-table one on the host), initialised, tables
+// ready; made once.
 struct TwoPanels {
   postblend::PanelCorvane* primary;
   postblend::PanelCorvane* secondary;

@@ -1,168 +1,92 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
 
-using postblend::ColorModeList;
+using pctest::payloadFor;
 using postblend::PanelCorvane;
 using postblend::PanelCorvaneBase;
-using postblend::ScOps;
 using postblend::ScPayload;
 
 namespace {
 
-template <typename T>
-ScPayload payloadFor(T* record, uint32_t prop = 0, uint32_t len = sizeof(T)) {
-  ScPayload p;
-  p.prop = prop;
-  p.len = len;
-  p.payload = reinterpret_cast<uintptr_t>(record);
-  return p;
-}
+class DispatchTest : public pctest::CoreTest {};
 
-class DispatchTest : public pctest::CoreTest {
- protected:
-  PanelCorvane* running(const std::string& extra = "") {
-    writeProps(extra);
-    PanelCorvane* p = make();
-    p->Init("primary");
-    return p;
-  }
-};
-
-TEST_F(DispatchTest, BrightnessPropertyScalesAndClamps) {
+TEST_F(DispatchTest, PropertiesAreAnsweredAndTheBrightnessScaledAndClamped) {
   PanelCorvane* p = running();
-  struct Case {
+  const struct {
     double fraction;
     uint32_t level;
-  } cases[] = {{1.0, 8191}, {0.0, 1}, {0.5, 5120}, {-1.0, 0}, {2.0, 8191}, {0.8, 8191}, {0.25, 2560}};
-  for (const auto& c : cases) {
-    double value = c.fraction;
+  } rows[] = {{1.0, 8191}, {0.0, 1},    {0.5, 5120},  {-1.0, 0},
+              {2.0, 8191}, {0.8, 8191}, {0.25, 2560}, {std::nan(""), 0}};
+  for (const auto& r : rows) {
+    double value = r.fraction;
+    PanelCorvaneBase::sBrightness = 77;
     p->SetProperty(payloadFor(&value, 769));
-    EXPECT_EQ(PanelCorvaneBase::sBrightness, c.level) << c.fraction;
+    EXPECT_EQ(PanelCorvaneBase::sBrightness, r.level) << r.fraction;
   }
-  double nan = std::nan("");
-  p->SetProperty(payloadFor(&nan, 769));
-  EXPECT_EQ(PanelCorvaneBase::sBrightness, 0u);
 
-  ScPayload wrong = payloadFor(&nan, 769);
-  wrong.version = 23;
-  PanelCorvaneBase::sBrightness = 77;
-  p->SetProperty(wrong);
-  EXPECT_EQ(PanelCorvaneBase::sBrightness, 77u);
-  EXPECT_TRUE(log.has("1-SetProperty: init_done_:1 payload.version: 23 24"));
-}
-
-TEST_F(DispatchTest, GetPropertyRefusesBadPayloadsAndAnswersBrightnessInterest) {
-  PanelCorvane* p = running();
-  EXPECT_EQ(p->GetProperty(nullptr), 0);
-  ScPayload bad;
-  bad.version = 23;
-  EXPECT_EQ(p->GetProperty(&bad), 0);
-  EXPECT_EQ(log.count("1-GetProperty: payload error!"), 2);
-
-  ScPayload brightness;
-  brightness.prop = 769;
-  EXPECT_EQ(p->GetProperty(&brightness), 0);
-  EXPECT_TRUE(log.has("1-GetProperty: prop is not supported:769"));
-  PanelCorvaneBase::sIsPanelNitsCalibrationOn = true;
-  EXPECT_EQ(p->GetProperty(&brightness), 769);
-
-  ScPayload unknown;
-  unknown.prop = 5;
-  EXPECT_EQ(p->GetProperty(&unknown), 0);
-  EXPECT_TRUE(log.has("1-GetProperty: prop is not supported:5"));
-}
-
-TEST_F(DispatchTest, ProcessOpsRefusesUnknownOpsAndMissingOutput) {
-  PanelCorvane* p = running();
-  ScPayload in, out;
-  EXPECT_EQ(p->ProcessOps(static_cast<ScOps>(5), in, &out), 0);
-  EXPECT_TRUE(log.has("1-ProcessOps: Invalid ops 5"));
-  EXPECT_EQ(p->ProcessOps(postblend::kScModeSwAssets, in, nullptr), 0);
-  EXPECT_EQ(log.countContaining("1-ProcessOps: Invalid params init_done_ 1 output "), 1);
-  EXPECT_EQ(p->ProcessOps(postblend::kScModeSwAssets, in, &out), 0);
-}
-
-TEST_F(DispatchTest, PayloadsTooShortForTheirRecordAreRefused) {
-  PanelCorvane* p = running();
-  PanelCorvaneBase::sBrightness = 77;
-  // Exactly as long as the caller says: a checker sees any read past the four bytes.
-  auto four = std::make_unique<uint32_t>(0x3f000000u);
-  ScPayload shortLevel = payloadFor(four.get(), 769, sizeof(uint32_t));
-  EXPECT_EQ(p->SetProperty(shortLevel), 0);
-  ScPayload nullLevel = payloadFor<double>(nullptr, 769);
-  EXPECT_EQ(p->SetProperty(nullLevel), 0);
-  EXPECT_EQ(PanelCorvaneBase::sBrightness, 77u);
-  EXPECT_EQ(log.count("1-SetProperty: payload error!"), 2);
-
-  postblend::ModeRenderInputParams request;
-  request.color_mode.gamut = 1;
-  request.color_mode.intent = 256;
-  postblend::HwConfigOutputParams result;
-  ScPayload out = payloadFor(&result);
-  ScPayload shortRequest = payloadFor(&request, 0, 8);
-  ScPayload noRequest = payloadFor<postblend::ModeRenderInputParams>(nullptr);
-  EXPECT_EQ(p->ProcessOps(postblend::kScModeRenderIntent, shortRequest, &out), 0);
-  EXPECT_EQ(p->ProcessOps(postblend::kScModeRenderIntent, noRequest, &out), 0);
-  EXPECT_EQ(log.count("1-ProcessModeRenderIntent: payload error!"), 2);
-  EXPECT_EQ(p->previousMode(), -1) << "a refused request is not a frame";
-}
-
-TEST_F(DispatchTest, PropertyHandlersCheckTheirRecords) {
-  PanelCorvane* p = running("LogLevel=6\n");
-  PanelCorvaneBase::sDebug = 6;
-
-  ColorModeList list;
+  PanelCorvaneBase::sDebug = 1 | 0x02 | 0x04;
+  postblend::ColorModeList list;
   ScPayload modes = payloadFor(&list, 1);
   EXPECT_EQ(p->GetProperty(&modes), 0);
   ASSERT_EQ(list.list.size(), 1u);
   EXPECT_EQ(list.list[0].name, "standard");
-  EXPECT_TRUE(log.has("1-GetModeList: start"));
-  ScPayload shortModes = payloadFor(&list, 1, 8);
-  p->GetProperty(&shortModes);
-  EXPECT_TRUE(log.has("1-GetModeList: payload error!"));
-
+  EXPECT_EQ(list.list[0].intent, 65534u);
   bool flag = true;
   ScPayload tonemap = payloadFor(&flag, 9);
   p->GetProperty(&tonemap);
-  EXPECT_FALSE(flag);
-  flag = true;
-  ScPayload wideTonemap = payloadFor(&flag, 9, 4);
-  p->GetProperty(&wideTonemap);
-  EXPECT_TRUE(flag);
-  EXPECT_TRUE(log.has("1-GetSupportTonemap: payload ERROR!"));
+  EXPECT_FALSE(flag) << "the plugin does no tone mapping";
 
   // A brightness change asks for a new frame; the flag stays up until a frame is processed.
-  bool needs = false;
+  bool needs = true;
   ScPayload update = payloadFor(&needs, 2);
-  p->GetProperty(&update);
-  EXPECT_FALSE(needs);
-  EXPECT_TRUE(log.has("1-GetNeedsUpdate: 0"));
-  PanelCorvaneBase::sBrightness = 4000;
-  p->GetProperty(&update);
-  EXPECT_TRUE(needs);
-  EXPECT_TRUE(log.has("1-GetNeedsUpdate: brightness changed!"));
-  PanelCorvaneBase::sBrightness = 0;
-  p->GetProperty(&update);
-  EXPECT_TRUE(needs);
+  const struct {
+    uint32_t brightness;
+    bool needs;
+  } steps[] = {{0, false}, {4000, true}, {0, true}};
+  for (const auto& step : steps) {
+    PanelCorvaneBase::sBrightness = step.brightness;
+    p->GetProperty(&update);
+    EXPECT_EQ(needs, step.needs) << step.brightness;
+  }
+  EXPECT_TRUE(log.has("1-GetNeedsUpdate: 0") && log.has("1-GetNeedsUpdate: brightness changed!"));
 }
 
-TEST_F(DispatchTest, RefreshReachesTheDisplayServiceWithCommand20) {
-  auto display = addDisplayService();
+TEST_F(DispatchTest, MalformedCallsAreRefusedWithTheirLine) {
   PanelCorvane* p = running();
-  ASSERT_TRUE(pctest::waitFor([&] { return log.has("1-onHelpServiceInit: Qservice done!"); }));
-  p->refresh();
-  ASSERT_TRUE(pctest::waitFor([&] { return display->count() == 1; }));
-  EXPECT_EQ(display->calls[0].command, 20u);
-  EXPECT_EQ(display->calls[0].arg, 1);
-
-  PanelCorvane* idle = make();
-  idle->refresh();  // never initialised: no queue, nothing sent
-  EXPECT_EQ(display->count(), 1u);
+  PanelCorvaneBase::sBrightness = 77;
+  postblend::HwConfigOutputParams result;
+  for (const auto& r : pctest::dataRows("core/refused_calls.txt")) {
+    SCOPED_TRACE(r[5]);
+    const uint32_t code = static_cast<uint32_t>(std::stoul(r[1]));
+    const size_t len = std::stoul(r[3]);
+    auto held = std::make_unique<uint8_t[]>(len);  // exactly as long as the caller says
+    std::fill_n(held.get(), len, 0xAB);
+    ScPayload in =
+        payloadFor(r[4] == "none" ? nullptr : held.get(), code, static_cast<uint32_t>(len));
+    in.version = static_cast<uint32_t>(std::stoul(r[2]));
+    ScPayload out = payloadFor(&result);
+    const bool noarg = r[4] == "noarg";
+    log.clear();
+    int answer = r[0] == "set"   ? p->SetProperty(in)
+                 : r[0] == "get" ? p->GetProperty(noarg ? nullptr : &in)
+                                 : p->ProcessOps(static_cast<postblend::ScOps>(code), in,
+                                                 noarg ? nullptr : &out);
+    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(log.countContaining(r[5]), 1) << log.dump();
+    EXPECT_TRUE(std::all_of(held.get(), held.get() + len, [](uint8_t b) { return b == 0xAB; }));
+  }
+  EXPECT_EQ(PanelCorvaneBase::sBrightness, 77u);
+  EXPECT_EQ(p->previousMode(), -1) << "a refused request is not a frame";
+  PanelCorvaneBase::sIsPanelNitsCalibrationOn = true;  // now the plugin asks for brightness
+  ScPayload nits;
+  nits.prop = 769;
+  EXPECT_EQ(p->GetProperty(&nits), 769);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <set>
 #include <string>
@@ -31,32 +31,17 @@ TEST(EntryTest, OnlyVersionTwoZeroIsServed) {
 }
 
 TEST(EntryTest, PluginExportsExactlyTheEntry) {
-  std::string lib = std::string(PC_BUILD_DIR) + "/libPanelCorvane.so";
-  std::string cmd = "nm -D --defined-only " + lib + " 2>&1";
-  FILE* pipe = popen(cmd.c_str(), "r");
+  const std::string lib = std::string(PC_BUILD_DIR) + "/libPanelCorvane.so";
+  FILE* pipe = popen(("nm -D --defined-only --just-symbols " + lib).c_str(), "r");
   ASSERT_NE(pipe, nullptr);
   std::set<std::string> symbols;
-  char line[1024];
-  while (fgets(line, sizeof(line), pipe) != nullptr) {
-    std::string s(line);
-    size_t sp = s.rfind(' ');
-    std::string name = s.substr(sp + 1);
-    while (!name.empty() && (name.back() == '\n' || name.back() == '\r')) name.pop_back();
+  for (char line[1024]; fgets(line, sizeof(line), pipe) != nullptr;) {
+    const std::string name(line, strcspn(line, "@\r\n"));
     // Symbols of the toolchain's own start-up and sanitizer runtimes are not the plugin's.
-    bool toolchain = name.rfind("_", 0) == 0 && name.rfind("_Z", 0) != 0;
-    if (toolchain || name.find("@") != std::string::npos) continue;
-    symbols.insert(name);
+    if (name.rfind("_", 0) != 0 || name.rfind("_Z", 0) == 0) symbols.insert(name);
   }
   pclose(pipe);
   EXPECT_EQ(symbols, std::set<std::string>{"GetScPostBlendInterface"});
-
-  void* handle = dlopen(lib.c_str(), RTLD_NOW | RTLD_LOCAL);
-  ASSERT_NE(handle, nullptr) << dlerror();
-  auto get = reinterpret_cast<postblend::GetScPostBlendInterfaceFn>(
-      dlsym(handle, "GetScPostBlendInterface"));
-  ASSERT_NE(get, nullptr);
-  EXPECT_EQ(dlsym(handle, "_ZN9postblend16PanelCorvaneBase6sDebugE"), nullptr);
-  dlclose(handle);
 }
 
 }  // namespace

@@ -1,139 +1,84 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "core/PanelCorvane.h"
+#include "services/MixLut3DAidl.h"
 #include "tests/core/CoreFixture.h"
 
 using postblend::PanelCorvane;
-using postblend::PanelCorvaneBase;
+using B = postblend::PanelCorvaneBase;
 using Vec = PanelCorvane::hidl_vec_i32;
 
 namespace {
 
 class ControlInterfaceTest : public pctest::CoreTest {
  protected:
-  void SetUp() override {
-    CoreTest::SetUp();
-    writeProps();
-    panel = make();
-    panel->Init("primary");
-    PanelCorvaneBase::sDebug = 1 | 0x02;  // refresh requests show as "sendMessage 1"
-    log.clear();
+  // The state the commands act on, one "name=value" a field.
+  std::string state() const {
+    std::ostringstream s;
+    s << "bypass=" << B::sIsByPass.load() << " brightness=" << B::sBrightness.load()
+      << " debug=" << B::sDebug.load() << " cfg=" << B::sCFGMode.load()
+      << " de=" << B::sDEStatus.load() << " hook=" << B::sIsLut3dHook.load()
+      << " fod=" << panel->fodOn() << " need=" << B::sNeedUpdate.load();
+    return s.str();
   }
-  int refreshes() { return log.count("1-sendMessage: sendMessage 1"); }
-  // The answer of configureGet, or nullopt-like -999 when the callback was never called.
-  int get(int type, const Vec& args) {
-    int answer = -999;
-    panel->configureGet(type, args, [&](int32_t v, const Vec& r) {
-      answer = v;
-      EXPECT_EQ(r.size(), 1u);
-    });
-    return answer;
+  // The fields of `after` that differ from `before`.
+  static std::string changed(const std::string& before, const std::string& after) {
+    std::istringstream b(before), a(after);
+    std::string out;
+    for (std::string x, y; b >> x && a >> y;)
+      if (x != y) out += (out.empty() ? "" : " ") + y;
+    return out;
   }
 
   PanelCorvane* panel = nullptr;
 };
 
-TEST_F(ControlInterfaceTest, BypassBrightnessAndLogLevel) {
-  panel->configureSet(101, Vec{0});
-  EXPECT_TRUE(PanelCorvaneBase::sIsByPass);
-  EXPECT_EQ(get(101, {}), 0);
-  EXPECT_EQ(get(666, {}), 0);
-  panel->configureSet(101, Vec{1});
-  EXPECT_EQ(get(101, {}), 1);
-  EXPECT_TRUE(log.has("1-configureSet: sIsByPass: 0"));
-
-  int before = refreshes();
-  panel->configureSet(123, Vec{0, 100});
-  EXPECT_EQ(PanelCorvaneBase::sBrightness, 100u);
-  EXPECT_EQ(refreshes(), before) << "magnitude below 101: stored without refresh";
-  panel->configureSet(518, Vec{3, -101});
-  EXPECT_EQ(refreshes(), before + 1);
-  panel->configureSet(123, Vec{0, 2000});
-  EXPECT_EQ(get(123, {}), 2000);
-  EXPECT_TRUE(log.has("1-configureSet: HIDL_SET_BRIGHTNESS: disp_id 0, brightness 2000"));
-  panel->configureSet(123, Vec{5});
-  EXPECT_TRUE(log.has("1-configureSet: cmd(123) arguments error."));
-
-  panel->configureSet(911, Vec{3, 4});
-  EXPECT_EQ(PanelCorvaneBase::sDebug, 3u);
-  EXPECT_TRUE(log.has("1-configureSet: cmd(911) arguments eror."));
-  panel->configureSet(911, Vec{0x12});
-  EXPECT_EQ(get(911, {}), 0x12);
-}
-
-TEST_F(ControlInterfaceTest, EmptyArgumentListsAreRefused) {
-  for (int cmd : {123, 191, 518, 668, 919}) {
+TEST_F(ControlInterfaceTest, CommandsChangeWhatTheyShouldAndNothingElse) {
+  writeProps();
+  panel = make();
+  panel->Init("primary");
+  ASSERT_TRUE(pctest::settle());
+  PanelCorvane::MixLut3DAidl aidl;
+  constexpr int kNone = -999;
+  for (const auto& r : pctest::dataRows("services/control_commands.txt")) {
+    SCOPED_TRACE(r[0] + " " + r[1] + " (" + r[2] + ") " + r[7]);
+    B::sDebug = 1 | 0x02;
+    B::sBrightness = 77;
+    B::sDEStatus = 5;
+    B::sIsLut3dHook = false;
+    panel->configureSet(919, Vec{0, r[3] == "fod" ? 1 : 0});
+    B::sCFGMode = -1;
+    B::sNeedUpdate = false;
+    B::sIsByPass = r[3] == "bypass";
+    const std::string before = state();
+    std::vector<int32_t> args;
+    std::istringstream list(r[2] == "-" ? "" : r[2]);
+    for (int32_t v; list >> v;) args.push_back(v);
+    const int cmd = std::stoi(r[1]);
     log.clear();
-    panel->configureSet(cmd, Vec{});
-    EXPECT_EQ(log.countContaining("arguments er"), 1) << cmd;
+    int answer = kNone;
+    if (r[0] == "set") {
+      answer = panel->configureSet(cmd, Vec(args));
+    } else if (r[0] == "get") {
+      panel->configureGet(cmd, Vec(args), [&](int32_t v, const Vec& rest) {
+        answer = v;
+        EXPECT_EQ(rest.size(), 1u);
+      });
+    } else if (r[0] == "mode") {
+      answer = panel->SetScreenColorMode(cmd);
+    } else if (r[0] == "cmd") {
+      answer = panel->set(cmd);
+    } else {
+      answer = 5;
+      EXPECT_TRUE(aidl.set(args.at(0), cmd, &answer).isOk());
+    }
+    EXPECT_EQ(r[4], answer == kNone ? "none" : std::to_string(answer));
+    EXPECT_EQ(r[5], changed(before, state()));
+    EXPECT_EQ(std::stoi(r[6]), log.count("1-sendMessage: sendMessage 1")) << "refresh requests";
+    EXPECT_TRUE(r[7] == "-" || log.countContaining(r[7]) == 1) << log.dump();
   }
-  EXPECT_EQ(PanelCorvaneBase::sDEStatus, -1);
-  EXPECT_EQ(PanelCorvaneBase::sCFGMode, -1);
-  EXPECT_EQ(get(518, {}), -999);
-  EXPECT_TRUE(log.has("1-configureGet: type(518) arguments error."));
-}
-
-TEST_F(ControlInterfaceTest, FodForcesAllOffAndCarriesIntoTheHookCommand) {
-  panel->configureSet(919, Vec{0, 1});
-  EXPECT_TRUE(panel->fodOn());
-  EXPECT_EQ(PanelCorvaneBase::sCFGMode, 100);
-  EXPECT_TRUE(PanelCorvaneBase::sNeedUpdate);
-  EXPECT_TRUE(log.has("1-configureSet: cmd(919) arguments eror."));
-  EXPECT_FALSE(PanelCorvaneBase::sIsLut3dHook);
-  EXPECT_EQ(get(919, {}), 1);
-
-  panel->SetScreenColorMode(3);
-  EXPECT_EQ(PanelCorvaneBase::sCFGMode, 100);
-  EXPECT_TRUE(log.has("1-SetScreenColorMode: fod on!"));
-  panel->configureSet(919, Vec{0, 0});
-  EXPECT_EQ(PanelCorvaneBase::sCFGMode, -1);
-  panel->configureSet(668, Vec{7});
-  EXPECT_TRUE(PanelCorvaneBase::sIsLut3dHook);
-}
-
-TEST_F(ControlInterfaceTest, ScreenColorModesAndSetRanges) {
-  struct Case {
-    int mode, cfg, result;
-  } cases[] = {{100, 100, 0}, {102, 100, 0}, {110, 100, 0}, {101, -1, 0},
-               {105, 105, 0}, {3, 3, 0},     {9999, 3, 0}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(panel->SetScreenColorMode(c.mode), c.result) << c.mode;
-    EXPECT_EQ(PanelCorvaneBase::sCFGMode, c.cfg) << c.mode;
-  }
-  EXPECT_TRUE(log.has("1-SetScreenColorMode: ignore 101"));
-  PanelCorvaneBase::sIsByPass = true;
-  EXPECT_EQ(panel->SetScreenColorMode(9999), -1);
-
-  int before = refreshes();
-  EXPECT_EQ(panel->set(30050), 0);
-  EXPECT_EQ(PanelCorvaneBase::sBrightness, 50u);
-  EXPECT_EQ(refreshes(), before + 1);
-  EXPECT_EQ(panel->set(20006), 0);
-  EXPECT_EQ(PanelCorvaneBase::sDebug, 6u);
-  EXPECT_EQ(panel->set(10000), 0);
-  EXPECT_FALSE(PanelCorvaneBase::sIsByPass);
-  EXPECT_EQ(panel->set(10004), -2);
-  EXPECT_EQ(panel->set(10003), 0);
-  EXPECT_EQ(PanelCorvaneBase::sDEStatus, 1);
-  EXPECT_EQ(panel->set(45000), 0);
-  EXPECT_EQ(refreshes(), before + 6) << "every set() refreshes";
-}
-
-TEST_F(ControlInterfaceTest, QueriesAndUnsupportedCommands) {
-  EXPECT_EQ(get(518, {0, 3}), -999) << "518 answers only for mode 104";
-  EXPECT_EQ(get(518, {0, 104}), -1) << "no generation ran yet";
-  EXPECT_EQ(get(200, {}), 0);
-  EXPECT_EQ(get(4242, {1, 2}), -1);
-  EXPECT_TRUE(log.has("1-configureGet: value = 2 "));
-
-  panel->configureSet(105, Vec{8, 9});
-  EXPECT_TRUE(log.has("1-configureSet: command = 105 is not supported"));
-  EXPECT_TRUE(log.has("1-configureSet: value = 9 "));
-  panel->configureSet(991, Vec{});
-  EXPECT_TRUE(log.has("1-configureSet: D: 27.971588, 0.000000, 99.416695"));
-  panel->configureSet(110, Vec{});
-  EXPECT_TRUE(log.has("1-configureSet: sIsCMDebugOn:0"));
-  EXPECT_TRUE(log.has("1-dump: " __DATE__ " " __TIME__) || log.countContaining("1-dump: ") == 1);
 }
 
 }  // namespace
