@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "cache/Lut3DCacheManager.h"
 #include "tests/tools/ToolRunner.h"
 #include "tools/lib/DataSource.h"
 #include "tools/lib/PanelTables.h"
@@ -41,13 +42,13 @@ class LotVerify : public pctest::ToolRunner {
     pctool::PropertyFile prop;
     std::string error;
     ASSERT_TRUE(prop.load(tree + "/odm/etc/PanelCorvane/panelcorvane", error)) << error;
-    const pctool::DeviceSwitches sw = pctool::deviceSwitches(prop);
+    const postblend::PanelSwitches sw = prop.switches();
     for (const auto& [name, panel] : prop.displayNames()) {
       pctool::DisplayTables mine;
       pctool::loadDisplayTables(tree, sw, name, panel, mine);
       EXPECT_FALSE(mine.fromCache);
       pctool::CacheContents plugin;
-      ASSERT_TRUE(pctool::readCacheFile(simulated + pctool::cacheFilePath(panel), plugin, error)) << error;
+      ASSERT_TRUE(pctool::readCacheFile(simulated + postblend::Lut3DCacheManager::cachePath(panel), plugin, error)) << error;
       EXPECT_EQ(static_cast<uint32_t>(mine.source), plugin.source) << name;
       ASSERT_EQ(mine.tables.size(), plugin.tables.size()) << name;
       for (size_t k = 0; k < mine.tables.size(); ++k)

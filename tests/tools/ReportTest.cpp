@@ -53,7 +53,7 @@ class ReportPages : public ::testing::Test {
     uint32_t trailer[4] = {source, panel, 1, 0};
     trailer[3] = postblend::Lut3DCacheManager::checkSum(t.data(), 8, source, panel, 1);
     std::string image(reinterpret_cast<const char*>(t.data()), 8 * sizeof(lut3d_info));
-    root.write(pctool::cacheFilePath(panel), image + std::string(reinterpret_cast<const char*>(trailer), 16));
+    root.write(postblend::Lut3DCacheManager::cachePath(panel), image + std::string(reinterpret_cast<const char*>(trailer), 16));
   }
   std::vector<pctool::PanelReport> collect(const std::vector<pctool::TableJob>* jobs = nullptr) {
     std::vector<pctool::PanelReport> reports;

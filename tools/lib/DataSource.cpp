@@ -1,21 +1,10 @@
 #include "tools/lib/DataSource.h"
 
 #include "cache/Lut3DCacheManager.h"
+#include "frontend/TablePlan.h"
 #include "tools/lib/TableSource.h"
 
 namespace pctool {
-
-const char* const kOdfSetNames[kOdfSets] = {"1_max", "2_max", "1_100nit", "2_100nit"};
-
-std::string localOdfPath(uint32_t panel, int set) {
-  return std::string("/mnt/vendor/persist/display/Loading_ON_") + kOdfSetNames[set] + (panel ? "_d1" : "") + ".odf";
-}
-
-std::string goldenOdfPath(const std::string& displayName, int set) {
-  return "/odm/etc/PanelCorvane/" + displayName + "_" + kOdfSetNames[set] + ".odf";
-}
-
-std::string cacheFilePath(uint32_t panel) { return postblend::Lut3DCacheManager::cachePath(panel ? 1 : 0); }
 
 std::string DataSource::word() const {
   switch (kind) {
@@ -42,8 +31,9 @@ DataSource describeDataSource(int trailer, const TableJob* job, uint32_t panel, 
     d.why = trailer < 0 ? "no table cache" : "the cache names source " + std::to_string(trailer);
     return d;
   }
-  for (int s = 0; s < kOdfSets; ++s)
-    d.odfPaths.push_back(d.kind == DataSource::Kind::Local ? localOdfPath(panel, s) : goldenOdfPath(displayName, s));
+  namespace fe = postblend::fe;
+  const fe::OdfOrigin origin = d.kind == DataSource::Kind::Local ? fe::OdfOrigin::Local : fe::OdfOrigin::Golden;
+  for (int s = 0; s < fe::kOdfSets; ++s) d.odfPaths.push_back(fe::opticalDataPath(origin, panel, displayName, s));
   if (job == nullptr) {
     d.why = "the cache trailer says so; why is in the plugin's log, which was not given";
     return d;
@@ -60,7 +50,7 @@ DataSource describeDataSource(int trailer, const TableJob* job, uint32_t panel, 
 
 bool readCacheSource(const std::string& dir, uint32_t panel, uint32_t& source, std::string& error) {
   CacheContents c;
-  if (!readCacheFile(dir + cacheFilePath(panel), c, error)) return false;
+  if (!readCacheFile(dir + postblend::Lut3DCacheManager::cachePath(panel == 0 ? 0 : 1), c, error)) return false;
   if (!c.checkSumOk()) {
     error = "checksum mismatch";
     return false;

@@ -12,14 +12,6 @@
 
 namespace pctool {
 
-// Optical data sets of a panel in the order the plugin reads them.
-constexpr int kOdfSets = 4;
-extern const char* const kOdfSetNames[kOdfSets];  // "1_max", "2_max", "1_100nit", "2_100nit"
-
-std::string localOdfPath(uint32_t panel, int set);                  // /mnt/vendor/persist/...
-std::string goldenOdfPath(const std::string& displayName, int set);  // /odm/etc/PanelCorvane/...
-std::string cacheFilePath(uint32_t panel);                          // /data/vendor/display/cofc*.fw
-
 struct DataSource {
   enum class Kind { Unknown, Local, Golden, MatchedGolden };
   Kind kind = Kind::Unknown;

@@ -4,6 +4,9 @@
 #include <filesystem>
 #include <memory>
 
+#include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
+#include "frontend/TablePlan.h"
 #include "tools/lib/DataSource.h"
 #include "tools/lib/Plausibility.h"
 #include "tools/lib/PropertyFile.h"
@@ -12,30 +15,24 @@
 namespace pctool {
 
 namespace fs = std::filesystem;
+namespace fe = postblend::fe;
 
 namespace {
 
-constexpr const char* kOdm = "/odm/etc/PanelCorvane/";
-constexpr const char* kModes[4] = {"Vivid", "Nature", "Cinema", "LsRGB"};
-// The optical data set (index into kOdfSetNames) each cache table is generated from.
-constexpr int kTableOdfSet[8] = {3, 1, 2, 0, 2, 0, 3, 1};
-
 void addTargets(const std::string& dir, const std::string& name, PanelReport& rep) {
   std::string why;
-  for (bool nits : {false, true}) {
-    for (const char* mode : kModes) {
-      const std::string path = kOdm + name + "_" + mode + (nits ? "_100nits" : "") + ".txt";
-      if (!fs::exists(dir + path)) continue;
-      ReportTarget t;
-      t.mode = mode;
-      t.nits100 = nits;
-      if (!readTargetFile(dir + path, t.target, t.count, why)) {
-        rep.notes.push_back(path + ": " + why);
-        continue;
-      }
-      for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(path + ": " + f.line());
-      rep.targets.push_back(t);
+  for (int file = 0; file < fe::kTargetFiles; ++file) {
+    const std::string path = fe::targetPath(name, file);
+    if (!fs::exists(dir + path)) continue;
+    ReportTarget t;
+    t.mode = fe::kModeNames[file % fe::kModes];
+    t.nits100 = file >= fe::kModes;
+    if (!readTargetFile(dir + path, t.target, t.count, why)) {
+      rep.notes.push_back(path + ": " + why);
+      continue;
     }
+    for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(path + ": " + f.line());
+    rep.targets.push_back(t);
   }
 }
 
@@ -51,15 +48,16 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
                     PanelReport& rep) {
   std::vector<std::string> paths = source.odfPaths;
   if (paths.empty()) {
-    const bool local = fs::exists(dir + localOdfPath(panel, 0));
-    for (int s = 0; s < kOdfSets; ++s) paths.push_back(local ? localOdfPath(panel, s) : goldenOdfPath(name, s));
+    const bool local = fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Local, panel, name, 0));
+    for (int s = 0; s < fe::kOdfSets; ++s)
+      paths.push_back(fe::opticalDataPath(local ? fe::OdfOrigin::Local : fe::OdfOrigin::Golden, panel, name, s));
     rep.sourceText += local ? "; shown: the local data, which the plugin tries first"
                             : "; shown: the golden data (no local data)";
   }
   std::string why;
-  for (int s = 0; s < kOdfSets; ++s) {
+  for (int s = 0; s < fe::kOdfSets; ++s) {
     ReportOdf o;
-    o.set = kOdfSetNames[s];
+    o.set = fe::kOdfSetNames[s];
     o.path = paths[static_cast<size_t>(s)];
     OdfCheck check;
     if (!readOdfFile(dir + o.path, o.odf, check, why)) {
@@ -72,7 +70,7 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
 }
 
 void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelReport& rep) {
-  const std::string cache = cacheFilePath(panel);
+  const std::string cache = postblend::Lut3DCacheManager::cachePath(panel == 0 ? 0 : 1);
   if (!fs::exists(dir + cache)) {
     rep.notes.push_back(cache + " not found: no tables (run the plugin once to fill the cache)");
     return;
@@ -86,11 +84,11 @@ void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelRep
   rep.tablesText = "tables: " + cache + ", " + std::to_string(tables.size()) + " tables";
   for (uint32_t k = 0; k < tables.size(); ++k) {
     ReportTable t{cacheTableName(k), tables[k].lut};
-    if (k < 8) {
-      const std::string set = kOdfSetNames[kTableOdfSet[k]];
+    if (k < fe::kMaxTables) {
+      const fe::TableInputs in = fe::tableInputs(static_cast<int>(k), use100nits);
       for (size_t o = 0; o < rep.odfs.size(); ++o)
-        if (rep.odfs[o].set == set) t.odf = static_cast<int>(o);
-      t.target = targetIndex(rep, kModes[k / 2], use100nits && k % 2 == 0);
+        if (rep.odfs[o].set == fe::kOdfSetNames[in.odf]) t.odf = static_cast<int>(o);
+      t.target = targetIndex(rep, fe::kModeNames[in.target % fe::kModes], in.target >= fe::kModes);
     }
     rep.tables.push_back(t);
   }
@@ -99,7 +97,7 @@ void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelRep
 }  // namespace
 
 std::string cacheTableName(uint32_t index) {
-  std::string s = std::to_string(index) + " " + (index / 2 < 4 ? kModes[index / 2] : "table");
+  std::string s = std::to_string(index) + " " + (index / 2 < fe::kModes ? fe::kModeNames[index / 2] : "table");
   return index % 2 == 0 ? s + " 100-nit" : s;
 }
 
@@ -107,13 +105,13 @@ bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out,
                           const std::vector<TableJob>* jobs) {
   out.clear();
   PropertyFile prop;
-  if (!prop.load(dir + kOdm + "panelcorvane", error)) {
-    error = std::string(kOdm) + "panelcorvane: " + error;
+  if (!prop.load(dir + postblend::Prop::kPath, error)) {
+    error = std::string(postblend::Prop::kPath) + ": " + error;
     return false;
   }
-  const bool use100nits = prop.intOr("inParam100nits", 0) == 1;
+  const bool use100nits = prop.switches().use100nits;
   for (const auto& [name, panel] : prop.displayNames()) {
-    if (!fs::exists(dir + goldenOdfPath(name, 0))) continue;
+    if (!fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0))) continue;
     PanelReport rep;
     rep.displayName = name;
     rep.panelName = name + " (panel " + std::to_string(panel) + ")";
@@ -129,7 +127,7 @@ bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out,
     out.push_back(std::move(rep));
   }
   if (out.empty()) {
-    error = "no panel found (no display name of the property file has " + std::string(kOdm) + "<name>_1_max.odf)";
+    error = "no panel found (no display name of the property file has " + std::string(fe::kOdmDir) + "<name>_1_max.odf)";
     return false;
   }
   return true;

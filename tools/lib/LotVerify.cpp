@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include "config/Prop.h"
 #include "frontend/Lut3dGeneration.h"
 #include "tools/lib/DataSource.h"
 #include "tools/lib/DeviceFolder.h"
@@ -19,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 namespace fe = postblend::fe;
 
-constexpr const char* kPropertyFile = "/odm/etc/PanelCorvane/panelcorvane";
+constexpr const char* kPropertyFile = postblend::Prop::kPath;
 
 // Anything at the property file's place makes a tree: a broken one is reported, not skipped.
 bool isTree(const fs::path& p) {
@@ -47,7 +48,7 @@ void errorStats(const Prediction& p, LotMode& m) {
   m.max = de.back();
 }
 
-void verifyDisplay(const std::string& tree, const DeviceSwitches& sw, const std::string& name, uint32_t panel,
+void verifyDisplay(const std::string& tree, const postblend::PanelSwitches& sw, const std::string& name, uint32_t panel,
                    double maxDe, LotPanelResult& r) {
   DisplayTables t;
   loadDisplayTables(tree, sw, name, panel, t);
@@ -133,10 +134,11 @@ LotPanelResult verifyPanel(const std::string& tree, double maxDe) {
     r.error = tree + kPropertyFile + ": " + why;
     return r;
   }
-  const DeviceSwitches sw = deviceSwitches(prop);
+  const postblend::PanelSwitches sw = prop.switches();
   for (const auto& [name, panel] : prop.displayNames()) {
     std::error_code ec;
-    if (fs::exists(tree + goldenOdfPath(name, 0), ec)) verifyDisplay(tree, sw, name, panel, maxDe, r);
+    if (fs::exists(tree + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0), ec))
+      verifyDisplay(tree, sw, name, panel, maxDe, r);
   }
   if (r.displays.empty())
     r.error = tree + kPropertyFile + ": no display name with golden data (<name>_1_max.odf)";

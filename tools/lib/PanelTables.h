@@ -1,32 +1,20 @@
 // The tables one display of a device tree runs with, got the way the plugin gets them, without
-// the plugin object or its shared state: the table cache when the plugin would accept it (length
-// equal to FWVersion, checksum, ParamVersion and a source that agrees with the identity check),
-// otherwise generated in memory from the targets and optical data the plugin would read - its
-// own readers, identity comparison, table plan and generation functions, the local data when
-// the identity matches and all four local files pass their CRC, else the golden data.
+// the plugin object or its shared state: the plugin's own rules decide (PanelSwitches.h for the
+// property file, CacheAcceptance.h for taking the cache, TablePlan.h for the optical data and
+// the tables made from it, the backend's identity comparison), and its own readers and
+// generation functions do the work; only the files are opened here, under the tree.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "config/PanelSwitches.h"
 #include "frontend/TablePlan.h"
 #include "postblend/color_records.h"
 #include "tools/lib/CalibrationFiles.h"
-#include "tools/lib/PropertyFile.h"
 
 namespace pctool {
-
-// The property file's switches as the plugin reads them at Init.
-struct DeviceSwitches {
-  bool calibration = false;  // PanelCalibration: without it the plugin makes no tables
-  bool gammaCorrection = false;
-  bool use100nits = false;
-  bool cmDebug = false;  // 8 table slots, else 6
-  bool verbose = false;  // LogLevel bit 0x02 shortens the protect-white pass
-  uint32_t paramVersion = 0, fwVersion = 0;
-};
-DeviceSwitches deviceSwitches(const PropertyFile& prop);
 
 struct DisplayTables {
   std::string displayName;
@@ -49,10 +37,11 @@ struct DisplayTables {
 };
 
 // The tables of display `name` (panel index `panel`) of the tree under `dir`.
-void loadDisplayTables(const std::string& dir, const DeviceSwitches& sw, const std::string& name, uint32_t panel,
-                       DisplayTables& out);
+void loadDisplayTables(const std::string& dir, const postblend::PanelSwitches& sw, const std::string& name,
+                       uint32_t panel, DisplayTables& out);
 
-// The identity check of the plugin's backend on the tree's panel_id file and emulated serial.
+// The backend's identity check on the tree's stamp file and the serial number its emulated
+// driver hands over.
 bool identityMatches(const std::string& dir, uint32_t panel);
 
 }  // namespace pctool

@@ -6,7 +6,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tools/lib/DataSource.h"
+#include "backend/PanelCorvaneBE.h"
+#include "frontend/TablePlan.h"
 #include "tools/lib/FileAccess.h"
 #include "tools/lib/ParallelFor.h"
 #include "tools/lib/SyntheticDevice.h"
@@ -24,10 +25,12 @@ uint64_t mix(uint64_t z) {
   return z ^ (z >> 31);
 }
 
-const char kPersist[] = "mnt/vendor/persist/display/";
+// A device path relative to the tree: lot.csv names files that way.
+std::string inTree(const std::string& devicePath) { return devicePath.substr(1); }
 
 std::string localOdf(uint64_t pick) {
-  return std::string(kPersist) + "Loading_ON_" + kOdfSetNames[pick % kOdfSets] + ".odf";
+  namespace fe = postblend::fe;
+  return inTree(fe::opticalDataPath(fe::OdfOrigin::Local, 0, "", static_cast<int>(pick % fe::kOdfSets)));
 }
 
 // Flips one bit inside the measurements: the CRC-16 catches every single-bit error.
@@ -93,7 +96,7 @@ std::vector<LotPanel> planLot(unsigned count, unsigned seed) {
     } while (lot[at].fault != LotFault::None);
     LotPanel& p = lot[at];
     p.fault = kKinds[k % 3];
-    if (p.fault == LotFault::MismatchedStamp) p.detail = std::string(kPersist) + "panel_id";
+    if (p.fault == LotFault::MismatchedStamp) p.detail = inTree(postblend::identityStampPath(0));
     else p.detail = localOdf(state >> 32);
   }
   return lot;

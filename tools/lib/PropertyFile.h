@@ -4,11 +4,11 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "config/PanelSwitches.h"
 #include "config/PropertyReader.h"
 
 namespace pctool {
@@ -21,6 +21,8 @@ class PropertyFile {
   bool has(const std::string& key) const { return mEntries.count(key) != 0; }
   // The value read as the plugin reads it, or `def` when the key is missing.
   int intOr(const std::string& key, int def) const;
+  // The switches as the plugin reads them at Init.
+  postblend::PanelSwitches switches() const { return postblend::panelSwitches(mEntries); }
   // Display names with their panel index, in file order.
   const std::vector<std::pair<std::string, uint32_t>>& displayNames() const { return mNames; }
   // The panel of a display name: 0 when the name is missing, as in the plugin.
@@ -33,7 +35,7 @@ class PropertyFile {
   }
 
  private:
-  std::map<std::string, std::string> mEntries;
+  postblend::PropertyEntries mEntries;
   std::vector<std::pair<std::string, uint32_t>> mNames;
   postblend::ReadDiagnosis<postblend::PropertyProblem> mDiagnosis;
 };

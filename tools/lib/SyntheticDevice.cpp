@@ -7,6 +7,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "backend/PanelCorvaneBE.h"
+#include "cache/CacheAcceptance.h"
+#include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
+#include "frontend/TablePlan.h"
 #include "tools/lib/FileAccess.h"
 
 namespace pctool {
@@ -215,50 +220,45 @@ bool writeSyntheticDevice(const std::string& dir, const SyntheticDeviceOptions& 
     return false;
   }
   namespace fs = std::filesystem;
+  namespace fe = postblend::fe;
   const fs::path root(dir);
-  const fs::path odm = root / "odm/etc/PanelCorvane";
-  const fs::path persist = root / "mnt/vendor/persist/display";
+  auto at = [&](const std::string& devicePath) { return fs::path(dir + devicePath); };
   const bool eight = o.tables == 8;
   const unsigned typeSeed = o.typeSeed != 0 ? o.typeSeed : o.seed;
 
   std::string prop = "LogLevel=1\nParamVersion=" + std::to_string(o.paramVersion) + "\n";
-  prop += std::string("FWVersion=") + (eight ? "943440" : "707584") + "\n";
+  prop += "FWVersion=" + std::to_string(postblend::Lut3DCacheManager::fileSizeFor(postblend::tableSlots(eight))) + "\n";
   prop += std::string("CMDebug=") + (eight ? "1" : "0") + "\n";
   prop += "PanelCalibration=1\nPanelNitsCalibration=1\n";
   prop += std::string("GammaCorrection=") + (o.gammaCorrection ? "1" : "0") + "\n";
   prop += std::string("inParam100nits=") + (o.in100nits ? "1" : "0") + "\n";
   prop += o.primaryName + "=0\n" + (o.secondary ? o.secondaryName + "=100\n" : "");
-  if (!writeText(odm / "panelcorvane", prop, error)) return false;
+  if (!writeText(at(postblend::Prop::kPath), prop, error)) return false;
 
-  static const char* const kModes[4] = {"Vivid", "Nature", "Cinema", "LsRGB"};
-  static const char* const kOdf[4] = {"1_max", "2_max", "1_100nit", "2_100nit"};
   std::string serials;
   for (int panel = 0; panel < (o.secondary ? 2 : 1); ++panel) {
     const std::string& name = panel == 0 ? o.primaryName : o.secondaryName;
     for (int mode = 0; mode < (eight ? 4 : 3); ++mode) {
       for (bool nits : {false, true}) {
-        const std::string file = name + "_" + kModes[mode] + (nits ? "_100nits" : "") + ".txt";
-        if (!writeText(odm / file, syntheticTargetText(typeSeed, mode, nits), error)) return false;
+        const std::string path = fe::targetPath(name, mode + (nits ? fe::kModes : 0));
+        if (!writeText(at(path), syntheticTargetText(typeSeed, mode, nits), error)) return false;
       }
     }
-    for (int k = 0; k < 4; ++k) {
+    for (int k = 0; k < fe::kOdfSets; ++k) {
       const int set = k % 2 + 1;
       const bool low = k >= 2;
-      if (!writeOdf(odm / (name + "_" + kOdf[k] + ".odf"),
+      if (!writeOdf(at(fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, k)),
                     syntheticMeasurements(typeSeed, o.seed, panel, set, low, true), error))
         return false;
-      if (o.localData) {
-        const std::string file =
-            std::string("Loading_ON_") + kOdf[k] + (panel == 0 ? "" : "_d1") + ".odf";
-        if (!writeOdf(persist / file, syntheticMeasurements(typeSeed, o.seed, panel, set, low, false), error))
-          return false;
-      }
+      if (o.localData && !writeOdf(at(fe::opticalDataPath(fe::OdfOrigin::Local, panel, name, k)),
+                                   syntheticMeasurements(typeSeed, o.seed, panel, set, low, false), error))
+        return false;
     }
     const std::string serial = syntheticSerial(o.seed, panel);
     std::string stamp = stampOfSerial(serial);
     if (!o.matched) stamp[stamp.size() - 1] = stamp.back() == '9' ? '8' : '9';
     serials += serial + "\n";
-    if (!writeText(persist / (panel == 0 ? "panel_id" : "panel_id_d1"), stamp + "\n", error))
+    if (!writeText(at(postblend::identityStampPath(static_cast<uint32_t>(panel))), stamp + "\n", error))
       return false;
   }
   return writeText(root / "dev/tarnu_display", serials, error);
