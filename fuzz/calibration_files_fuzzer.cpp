@@ -10,7 +10,7 @@
 #include "frontend/PanelCorvaneFE.h"
 #include "frontend/TargetReader.h"
 #include "fuzz/support/FuzzSupport.h"
-#include "tools/lib/CalibrationFiles.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
 
 using postblend::PanelCorvaneBase;
 using postblend::PanelCorvaneFE;

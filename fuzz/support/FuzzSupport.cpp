@@ -15,7 +15,7 @@
 #include "base/PanelCorvaneBase.h"
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace pcfuzz {
 

@@ -3,7 +3,7 @@
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "tests/core/CoreFixture.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 using postblend::Lut3DCacheManager;
 using postblend::PanelCorvane;

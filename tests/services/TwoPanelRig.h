@@ -23,7 +23,7 @@
 #include "frontend/PanelCorvaneFE.h"
 #include "services/MixLut3DAidl.h"
 #include "tests/core/CoreFixture.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace pctest {
 

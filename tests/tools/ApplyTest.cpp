@@ -8,10 +8,10 @@
 
 #include "tests/support/TestSupport.h"
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/ColourCsv.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/PngImage.h"
+#include "tools/lib/tables/ColourCsv.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
+#include "tools/lib/tables/PngImage.h"
 
 using postblend::lut3d_info;
 

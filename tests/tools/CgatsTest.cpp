@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "tools/lib/Cgats.h"
-#include "tools/lib/MeasuredPatches.h"
-#include "tools/lib/OdfFromMeasurements.h"
-#include "tools/lib/PatchSets.h"
+#include "tools/lib/measurements/Cgats.h"
+#include "tools/lib/measurements/MeasuredPatches.h"
+#include "tools/lib/measurements/OdfFromMeasurements.h"
+#include "tools/lib/measurements/PatchSets.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/lib/Ciede2000.h"
+#include "tools/lib/colour/Ciede2000.h"
 
 #include <gtest/gtest.h>
 

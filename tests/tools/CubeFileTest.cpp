@@ -1,4 +1,4 @@
-#include "tools/lib/CubeFile.h"
+#include "tools/lib/tables/CubeFile.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <memory>
 #include <sstream>
 
-#include "tools/lib/DeviceGrid.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using postblend::lut3d_info;
 

@@ -1,4 +1,4 @@
-#include "tools/lib/CubeResample.h"
+#include "tools/lib/tables/CubeResample.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +12,9 @@
 
 #include "tests/support/TestSupport.h"
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
+#include "tools/lib/tables/TableSource.h"
 
 using postblend::lut3d_info;
 using pctool::Interp;

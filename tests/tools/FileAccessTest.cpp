@@ -1,4 +1,4 @@
-#include "tools/lib/FileAccess.h"
+#include "tools/lib/common/FileAccess.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 // verify --lot: tables got in memory must be the plugin's own, bit for bit, from the same data
 // source; the lot's figures, yield and outputs must name the faulty panels and not depend on
 // the thread count.
-#include "tools/lib/LotVerify.h"
+#include "tools/lib/lot/LotVerify.h"
 
 #include <gtest/gtest.h>
 
@@ -12,12 +12,12 @@
 
 #include "cache/Lut3DCacheManager.h"
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/DataSource.h"
-#include "tools/lib/PanelTables.h"
-#include "tools/lib/ProductionLot.h"
-#include "tools/lib/PropertyFile.h"
-#include "tools/lib/SyntheticDevice.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/PanelTables.h"
+#include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/device/SyntheticDevice.h"
+#include "tools/lib/lot/ProductionLot.h"
+#include "tools/lib/tables/TableSource.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/lib/LutApply.h"
+#include "tools/lib/tables/LutApply.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "tests/support/TestSupport.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/DeviceGrid.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using postblend::lut3d_info;
 

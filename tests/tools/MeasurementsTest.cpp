@@ -12,16 +12,16 @@
 #include <fstream>
 #include <string>
 
-#include "tests/tools/ToolRunner.h"
 #include "frontend/Lut3dGeneration.h"
-#include "tools/lib/Cgats.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/LutApply.h"
-#include "tools/lib/MeasuredVerify.h"
-#include "tools/lib/PatchSets.h"
-#include "tools/lib/TableSource.h"
-#include "tools/lib/Verify.h"
-#include "tools/lib/VerifyPage.h"
+#include "tests/tools/ToolRunner.h"
+#include "tools/lib/measurements/Cgats.h"
+#include "tools/lib/measurements/PatchSets.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/LutApply.h"
+#include "tools/lib/tables/TableSource.h"
+#include "tools/lib/verify/MeasuredVerify.h"
+#include "tools/lib/verify/Verify.h"
+#include "tools/lib/verify/VerifyPage.h"
 
 namespace {
 

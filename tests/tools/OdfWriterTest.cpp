@@ -5,7 +5,7 @@
 #include "frontend/OdfReader.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "tests/support/TestSupport.h"
-#include "tools/lib/OdfWriter.h"
+#include "tools/lib/calibration/OdfWriter.h"
 
 namespace {
 

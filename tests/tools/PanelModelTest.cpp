@@ -1,11 +1,11 @@
-#include "tools/lib/PanelModel.h"
+#include "tools/lib/verify/PanelModel.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
 
-#include "tools/lib/OdfWriter.h"
+#include "tools/lib/calibration/OdfWriter.h"
 
 namespace {
 

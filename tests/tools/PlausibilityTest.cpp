@@ -1,4 +1,4 @@
-#include "tools/lib/Plausibility.h"
+#include "tools/lib/calibration/Plausibility.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace {
 

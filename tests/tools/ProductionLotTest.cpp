@@ -1,5 +1,5 @@
 // A synthetic lot must hold exactly the faults lot.csv names, or every lot test checks nothing.
-#include "tools/lib/ProductionLot.h"
+#include "tools/lib/lot/ProductionLot.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <set>
 
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/CalibrationFiles.h"
-#include "tools/lib/PanelTables.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
+#include "tools/lib/device/PanelTables.h"
 
 namespace {
 

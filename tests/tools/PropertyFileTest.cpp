@@ -1,4 +1,4 @@
-#include "tools/lib/PropertyFile.h"
+#include "tools/lib/device/PropertyFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tools/lib/Report.h"
+#include "tools/lib/report/Report.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@
 
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
-#include "tools/lib/DeviceFolder.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/ReportPlan.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/DeviceFolder.h"
+#include "tools/lib/device/SyntheticDevice.h"
+#include "tools/lib/report/ReportPlan.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using postblend::lut3d_info;
 

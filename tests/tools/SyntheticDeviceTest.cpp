@@ -1,4 +1,4 @@
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 #include <gtest/gtest.h>
 

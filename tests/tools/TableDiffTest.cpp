@@ -1,4 +1,4 @@
-#include "tools/lib/TableDiff.h"
+#include "tools/lib/tables/TableDiff.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/DeviceGrid.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using postblend::lut3d_info;
 

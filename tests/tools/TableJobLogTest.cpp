@@ -1,9 +1,9 @@
-#include "tools/lib/TableJobLog.h"
+#include "tools/lib/device/TableJobLog.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/TestSupport.h"
-#include "tools/lib/DataSource.h"
+#include "tools/lib/device/DataSource.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tools/lib/TableSource.h"
+#include "tools/lib/tables/TableSource.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 #include "backend/LutTextFile.h"
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/OdfWriter.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using postblend::lut3d_info;
 

@@ -1,4 +1,4 @@
-#include "tools/lib/Verify.h"
+#include "tools/lib/verify/Verify.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +9,9 @@
 
 #include "base/Algorithm.h"
 #include "tests/support/TestSupport.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/OdfWriter.h"
-#include "tools/lib/PanelModel.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/tables/DeviceGrid.h"
+#include "tools/lib/verify/PanelModel.h"
 
 using postblend::lut3d_info;
 

@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/OdfWriter.h"
-#include "tools/lib/Report.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/device/SyntheticDevice.h"
+#include "tools/lib/report/Report.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using pctest::ToolRun;
 using postblend::lut3d_info;

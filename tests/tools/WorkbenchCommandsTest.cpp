@@ -13,10 +13,10 @@
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/Report.h"
-#include "tools/lib/DeviceGrid.h"
-#include "tools/lib/FileInfo.h"
+#include "tools/lib/device/FileInfo.h"
+#include "tools/lib/report/Report.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
 
 using pctest::ToolRun;
 using postblend::lut3d_info;

@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/ColourCsv.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/LutApply.h"
-#include "tools/lib/PngImage.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/tables/ColourCsv.h"
+#include "tools/lib/tables/LutApply.h"
+#include "tools/lib/tables/PngImage.h"
+#include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 namespace {

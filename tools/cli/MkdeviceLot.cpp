@@ -4,10 +4,10 @@
 
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/ParallelFor.h"
-#include "tools/lib/ProductionLot.h"
-#include "tools/lib/ProgressBar.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/ParallelFor.h"
+#include "tools/lib/common/ProgressBar.h"
+#include "tools/lib/lot/ProductionLot.h"
 
 namespace pctool {
 

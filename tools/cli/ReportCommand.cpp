@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/DeviceFolder.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/Plausibility.h"
-#include "tools/lib/Report.h"
-#include "tools/lib/ReportPlan.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/device/DeviceFolder.h"
+#include "tools/lib/report/Report.h"
+#include "tools/lib/report/ReportPlan.h"
+#include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 namespace {

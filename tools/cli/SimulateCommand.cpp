@@ -12,9 +12,9 @@
 #include "tools/cli/Command.h"
 #include "tools/cli/SessionPlayer.h"
 #include "tools/cli/SimulateOutputs.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/PropertyFile.h"
-#include "tools/lib/Session.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/device/Session.h"
 
 namespace fs = std::filesystem;
 

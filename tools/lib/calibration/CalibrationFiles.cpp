@@ -1,0 +1,65 @@
+#include "tools/lib/calibration/CalibrationFiles.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "frontend/OdfLayout.h"
+#include "frontend/OdfReader.h"
+#include "tools/lib/common/FileAccess.h"
+
+namespace pctool {
+
+bool readOdfFile(const std::string& path, OpticalDataFile& odf, OdfCheck& check,
+                 std::string& error) {
+  check = OdfCheck{};
+  if (!checkInputFile(path, error)) return false;
+  std::ifstream in(path, std::ios::binary | std::ios::ate);
+  if (!in) {
+    error = "cannot open: " + std::string(std::strerror(errno));
+    return false;
+  }
+  check.fileBytes = static_cast<uint64_t>(in.tellg());
+  in.seekg(0);
+  uint8_t bytes[postblend::odf::kBytes];
+  in.read(reinterpret_cast<char*>(bytes), sizeof bytes);
+  odf = OpticalDataFile{};
+  const postblend::OdfRead read =
+      postblend::readOdf(bytes, static_cast<size_t>(in.gcount()), odf);
+  check.whole = read.bytes == postblend::odf::kBytes;
+  check.stored = read.storedCrc;
+  check.computed = read.computedCrc;
+  if (!read.diagnosis.ok()) {
+    error = read.diagnosis.message;
+    return false;
+  }
+  return true;
+}
+
+bool parseTarget(const std::string& text, TargetParm& target, int& count, std::string& error) {
+  const postblend::TargetRead read = postblend::readTarget(text);
+  target = TargetParm{};
+  std::copy(read.values, read.values + read.count, target.values);
+  count = read.count;
+  if (!read.diagnosis.ok()) {
+    error = read.diagnosis.message;
+    return false;
+  }
+  return true;
+}
+
+bool readTargetFile(const std::string& path, TargetParm& target, int& count, std::string& error) {
+  if (!checkInputFile(path, error)) return false;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    error = "cannot open: " + std::string(std::strerror(errno));
+    return false;
+  }
+  // One byte past the limit lets the reader tell an oversized file.
+  std::string text(kMaxTargetBytes + 1, '\0');
+  in.read(&text[0], static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<size_t>(in.gcount()));
+  return parseTarget(text, target, count, error);
+}
+
+}  // namespace pctool
