@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "base/LutGrid.h"
+
 namespace pctool {
 
 namespace {
@@ -97,6 +99,12 @@ Xyz linearSrgbToXyz(double r, double g, double b) {
 
 double srgbDecode(double v) {
   return v > 0.04045 ? std::pow((v + 0.055) / 1.055, 2.4) : v / 12.92;
+}
+
+Lab srgbCodeLab(const uint32_t (&c)[3]) {
+  constexpr double kFull = postblend::kLutMaxCode;
+  const Xyz x = linearSrgbToXyz(srgbDecode(c[0] / kFull), srgbDecode(c[1] / kFull), srgbDecode(c[2] / kFull));
+  return xyzToLab(x, kD65);
 }
 
 }  // namespace pctool

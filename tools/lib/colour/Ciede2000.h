@@ -2,6 +2,8 @@
 // CIEDE2000 difference (parametric factors kL = kC = kH = 1), all in double precision.
 #pragma once
 
+#include <cstdint>
+
 namespace pctool {
 
 struct Xyz {
@@ -30,5 +32,8 @@ double ciede2000(const Lab& p, const Lab& q);
 // Linear-light sRGB (D65, Y of white = 1) to XYZ; sRGB transfer curve decode of a 0..1 signal.
 Xyz linearSrgbToXyz(double r, double g, double b);
 double srgbDecode(double v);
+
+// 12-bit table codes read as an sRGB-encoded signal (code / 4095), to L*a*b* for D65.
+Lab srgbCodeLab(const uint32_t (&codes)[3]);
 
 }  // namespace pctool

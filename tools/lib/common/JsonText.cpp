@@ -3,8 +3,6 @@
 #include <cmath>
 #include <cstdio>
 
-#include "tools/lib/tables/DeviceGrid.h"
-
 namespace pctool {
 
 std::string jsonNumber(double v, int decimals) {
@@ -35,11 +33,6 @@ std::string jsonStrings(const std::vector<std::string>& v) {
   std::string o = "[";
   for (size_t i = 0; i < v.size(); ++i) o += (i ? "," : "") + jsonString(v[i]);
   return o + "]";
-}
-
-std::string gridLevels(uint32_t index) {
-  return "(" + std::to_string(index % kGrid) + "," + std::to_string(index / kGrid % kGrid) + "," +
-         std::to_string(index / (kGrid * kGrid)) + ")";
 }
 
 }  // namespace pctool

@@ -1,4 +1,4 @@
-// The small pieces the workbench's hand-written JSON and tables are made of (no dependency).
+// The small pieces the workbench's hand-written JSON is made of (no dependency).
 #pragma once
 
 #include <cstddef>
@@ -20,8 +20,5 @@ std::string jsonArray(const T (&v)[N]) {
   for (size_t i = 0; i < N; ++i) o += (i ? "," : "") + std::to_string(v[i]);
   return o + "]";
 }
-
-// "(r,g,b)": the grid levels of table entry `index`.
-std::string gridLevels(uint32_t index);
 
 }  // namespace pctool

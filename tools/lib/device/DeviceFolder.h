@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "tools/lib/device/TableJobLog.h"
-#include "tools/lib/report/Report.h"
+#include "tools/lib/report/PanelReport.h"
 
 namespace pctool {
 

@@ -1,4 +1,4 @@
-// Small drawing helpers for the report page (cairo): plot frames with labelled axes, text,
+// Small drawing helpers for the workbench's pages (cairo): plot frames with labelled axes, text,
 // styled lines and their legend rows.
 #pragma once
 
@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "tools/lib/report/ReportPlan.h"
+#include "tools/lib/drawing/PlanStyle.h"
 
 namespace pctool {
 

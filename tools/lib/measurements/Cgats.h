@@ -1,16 +1,19 @@
 // CGATS text files, as colorimeter software (ArgyllCMS's dispread, spotread, fakeread) reads
-// and writes them: `.ti1` patch sets and `.ti3` measurements. A file holds one or more tables;
-// each is an identifier line ("CTI1", "CTI3", "CAL"), header keywords, the field names between
-// BEGIN_DATA_FORMAT and END_DATA_FORMAT, and one row per line between BEGIN_DATA and END_DATA.
+// and writes them: `.ti1` patch sets and `.ti3` measurements. The grammar, over the tokens of
+// CgatsTokens.h: a file holds one or more tables; each is an identifier line ("CTI1", "CTI3",
+// "CAL"), header keywords, the field names between BEGIN_DATA_FORMAT and END_DATA_FORMAT (they
+// may share those lines), and one row per line between BEGIN_DATA and END_DATA.
 //
-// Limits: at most kMaxFileBytes, kMaxLineBytes per line, kMaxTables tables, kMaxFields fields
-// and kMaxSets rows per table. Errors read "SOURCE:LINE: fault".
+// Limits: besides the tokenizer's, kCgatsMaxTables tables, kCgatsMaxFields fields and
+// kCgatsMaxSets rows per table. Errors read "SOURCE:LINE: fault".
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "tools/lib/measurements/CgatsTokens.h"
 
 namespace pctool {
 
@@ -33,8 +36,6 @@ struct CgatsFile {
   std::vector<CgatsTable> tables;
 };
 
-constexpr size_t kCgatsMaxFileBytes = 8u << 20;
-constexpr size_t kCgatsMaxLineBytes = 4096;
 constexpr size_t kCgatsMaxTables = 16;
 constexpr size_t kCgatsMaxFields = 256;
 constexpr size_t kCgatsMaxSets = 100000;

@@ -5,7 +5,7 @@
 
 #include "tools/lib/calibration/OdfWriter.h"
 #include "tools/lib/colour/Ciede2000.h"
-#include "tools/lib/verify/Verify.h"
+#include "tools/lib/colour/ReferenceColours.h"
 
 namespace pctool {
 

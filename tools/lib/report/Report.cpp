@@ -23,31 +23,6 @@ std::string reportFileName(const PanelReport& report) {
   return name + ".png";
 }
 
-int32_t brightnessOutput(uint32_t even, uint32_t odd, uint32_t brightness) {
-  const uint32_t w = (brightness * 4096u - 14336000u) / 4691u;
-  const int32_t delta = static_cast<int32_t>(odd - even);
-  // 32-bit product as the plugin forms it; the shift rounds toward minus infinity.
-  const int32_t scaled = static_cast<int32_t>(static_cast<uint32_t>(delta) * w);
-  return static_cast<int32_t>(even) + (scaled >> 12);
-}
-
-int pickBrightnessNode(const PanelReport& report) {
-  int best = -1;
-  int64_t bestMove = 0;
-  for (size_t k = 0; k + 1 < report.tables.size() && k < 8; k += 2) {
-    const auto& even = report.tables[k].lut;
-    const auto& odd = report.tables[k + 1].lut;
-    if (!even || !odd) continue;
-    for (uint32_t n = 0; n < kEntries; ++n) {
-      int64_t move = 0;
-      for (int c = 0; c < 3; ++c)
-        move += std::llabs(int64_t(odd->entries[n].out[c]) - int64_t(even->entries[n].out[c]));
-      if (move > bestMove) bestMove = move, best = static_cast<int>(n);
-    }
-  }
-  return best;
-}
-
 #ifndef PC_HAVE_CAIRO
 
 bool reportSupported() { return false; }

@@ -4,14 +4,16 @@
 #include <cmath>
 #include <cstdio>
 
+#include "cache/DeltaApply.h"
+#include "frontend/TablePlan.h"
+#include "tools/lib/colour/ReferenceColours.h"
 #include "tools/lib/tables/DeviceGrid.h"
-#include "tools/lib/verify/Verify.h"
+#include "tools/lib/verify/Prediction.h"
 
 namespace pctool {
 
 namespace {
 
-const char* const kKnownModes[4] = {"Vivid", "Nature", "Cinema", "LsRGB"};
 // Within this, two targets draw as one line on the page (the xy diagram's pixel is ~0.0013).
 constexpr double kSameChromaticity = 0.003;
 constexpr double kSameExponent = 0.002;
@@ -262,15 +264,15 @@ void planBrightness(const PanelReport& rep, ReportPlan& plan) {
 }  // namespace
 
 int modeColourIndex(const std::string& mode) {
-  for (int i = 0; i < 4; ++i)
-    if (mode == kKnownModes[i]) return i;
+  for (int i = 0; i < postblend::fe::kModes; ++i)
+    if (mode == postblend::fe::kModeNames[i]) return i;
   unsigned h = 0;
   for (unsigned char c : mode) h = h * 31 + c;
   return 4 + static_cast<int>(h % 4);
 }
 
 std::string modeOfTable(const std::string& tableName) {
-  for (const char* m : kKnownModes)
+  for (const char* m : postblend::fe::kModeNames)
     if (tableName.find(m) != std::string::npos) return m;
   return "";
 }
@@ -300,6 +302,29 @@ ReportPlan planReport(const PanelReport& rep) {
   planBrightness(rep, plan);
   plan.notes = rep.notes;
   return plan;
+}
+
+int32_t brightnessOutput(uint32_t even, uint32_t odd, uint32_t brightness) {
+  const int32_t delta = static_cast<int32_t>(odd - even);
+  const uint32_t w = postblend::brightnessWeightQ12(brightness);
+  return static_cast<int32_t>(even) + static_cast<int32_t>(postblend::scaledDeltaQ12(delta, w));
+}
+
+int pickBrightnessNode(const PanelReport& report) {
+  int best = -1;
+  int64_t bestMove = 0;
+  for (size_t k = 0; k + 1 < report.tables.size() && k < 8; k += 2) {
+    const auto& even = report.tables[k].lut;
+    const auto& odd = report.tables[k + 1].lut;
+    if (!even || !odd) continue;
+    for (uint32_t n = 0; n < kEntries; ++n) {
+      int64_t move = 0;
+      for (int c = 0; c < 3; ++c)
+        move += std::llabs(int64_t(odd->entries[n].out[c]) - int64_t(even->entries[n].out[c]));
+      if (move > bestMove) bestMove = move, best = static_cast<int>(n);
+    }
+  }
+  return best;
 }
 
 }  // namespace pctool

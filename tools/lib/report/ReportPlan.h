@@ -13,30 +13,17 @@
 #include <string>
 #include <vector>
 
-#include "tools/lib/report/Report.h"
+#include "tools/lib/drawing/PlanStyle.h"
+#include "tools/lib/report/PanelReport.h"
 #include "tools/lib/verify/PanelModel.h"
 
 namespace pctool {
-
-struct PlanStyle {
-  int colour = -1;           // mode colour index; -1 ink
-  std::vector<double> dash;  // empty: solid
-  double dashOffset = 0;
-  double width = 2;
-};
 
 struct PlanTriangle {
   std::string label;  // legend text
   Chroma rgbw[4];
   PlanStyle style;
   bool measured = false;
-};
-
-struct PlanCurve {
-  std::string label;
-  PlanStyle style;
-  std::vector<std::pair<double, double>> points;
-  bool markers = false;
 };
 
 struct PlanSwatch {
@@ -85,6 +72,14 @@ int modeColourIndex(const std::string& mode);
 std::string modeOfTable(const std::string& tableName);
 
 ReportPlan planReport(const PanelReport& report);
+
+// The full-brightness table's output at `brightness` (3500..8191 and above), by the plugin's
+// interpolation rule (cache/DeltaApply.h), signed so a plot can show it against the 100-nit one.
+int32_t brightnessOutput(uint32_t even, uint32_t odd, uint32_t brightness);
+
+// The entry whose output differs most between the tables of a pair, over all pairs; -1 when
+// there is no pair or no entry differs.
+int pickBrightnessNode(const PanelReport& report);
 
 // An L*a*b* colour (relative to a white taken as D65) as sRGB 0..1, clipped.
 void labToScreen(const Lab& lab, double (&rgb)[3]);

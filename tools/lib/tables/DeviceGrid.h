@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "base/LutGrid.h"
 #include "postblend/color_records.h"
@@ -17,6 +18,12 @@ inline uint32_t gridCode(uint32_t level) { return postblend::lutGridCode(level);
 
 inline uint32_t entryIndex(uint32_t r, uint32_t g, uint32_t b) {
   return postblend::lutEntryIndex(r, g, b);
+}
+
+// "(r,g,b)": the grid levels of table entry `index`.
+inline std::string gridLevels(uint32_t index) {
+  return "(" + std::to_string(index % kGrid) + "," + std::to_string(index / kGrid % kGrid) + "," +
+         std::to_string(index / (kGrid * kGrid)) + ")";
 }
 
 // Header of a table as the plugin fills it, and the grid inputs of every entry; outputs untouched.

@@ -9,7 +9,6 @@
 #include "tools/lib/common/JsonText.h"
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/tables/TableSource.h"
-#include "tools/lib/verify/Verify.h"
 
 namespace pctool {
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "tools/lib/colour/ReferenceColours.h"
 #include "tools/lib/verify/PanelModel.h"
-#include "tools/lib/verify/Verify.h"
 
 namespace pctool {
 

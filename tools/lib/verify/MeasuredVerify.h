@@ -11,10 +11,9 @@
 #include "tools/lib/calibration/CalibrationFiles.h"
 #include "tools/lib/colour/Ciede2000.h"
 #include "tools/lib/measurements/MeasuredPatches.h"
+#include "tools/lib/verify/Prediction.h"
 
 namespace pctool {
-
-struct Prediction;
 
 struct MeasuredColour {
   std::string name;
