@@ -49,17 +49,8 @@ bool parseTarget(const std::string& text, TargetParm& target, int& count, std::s
 }
 
 bool readTargetFile(const std::string& path, TargetParm& target, int& count, std::string& error) {
-  if (!checkInputFile(path, error)) return false;
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    error = "cannot open: " + std::string(std::strerror(errno));
-    return false;
-  }
-  // One byte past the limit lets the reader tell an oversized file.
-  std::string text(kMaxTargetBytes + 1, '\0');
-  in.read(&text[0], static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<size_t>(in.gcount()));
-  return parseTarget(text, target, count, error);
+  std::string text;
+  return readInputFile(path, kMaxTargetBytes, text, error) && parseTarget(text, target, count, error);
 }
 
 }  // namespace pctool

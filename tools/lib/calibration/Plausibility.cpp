@@ -5,6 +5,7 @@
 
 #include "tools/lib/calibration/OdfWriter.h"
 #include "tools/lib/colour/CieLocus.h"
+#include "tools/lib/common/PrintfString.h"
 
 namespace pctool {
 
@@ -13,12 +14,6 @@ namespace {
 struct Point {
   double x, y;
 };
-
-std::string fmt(const char* f, double a, double b = 0) {
-  char buf[256];
-  std::snprintf(buf, sizeof buf, f, a, b);
-  return buf;
-}
 
 double cross(const Point& o, const Point& a, const Point& b) {
   return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
@@ -43,14 +38,14 @@ void checkChromaticities(const Point (&c)[4], const bool (&known)[4], std::vecto
   for (int i = 0; i < 4; ++i) {
     if (!known[i] || insideSpectralLocus(c[i].x, c[i].y)) continue;
     out.push_back({true, std::string(kPrimary[i]) + " x y",
-                   fmt("x %.4f y %.4f lies outside the spectral locus: no light has this colour", c[i].x, c[i].y)});
+                   printfString("x %.4f y %.4f lies outside the spectral locus: no light has this colour", c[i].x, c[i].y)});
   }
   if (!known[0] || !known[1] || !known[2]) return;
   for (int i = 0; i < 3; ++i)
     for (int j = i + 1; j < 3; ++j)
       if (std::hypot(c[i].x - c[j].x, c[i].y - c[j].y) < 0.005) {
         out.push_back({true, std::string(kPrimary[i]) + " and " + kPrimary[j],
-                       fmt("coincide (x %.4f y %.4f): the primaries span no gamut", c[i].x, c[i].y)});
+                       printfString("coincide (x %.4f y %.4f): the primaries span no gamut", c[i].x, c[i].y)});
         return;
       }
   const Point tri[3] = {c[0], c[1], c[2]};
@@ -60,7 +55,7 @@ void checkChromaticities(const Point (&c)[4], const bool (&known)[4], std::vecto
   }
   if (known[3] && !insideTriangle(c[3], tri))
     out.push_back({true, "white x y",
-                   fmt("x %.4f y %.4f lies outside the primaries' triangle: red + green + blue cannot make it",
+                   printfString("x %.4f y %.4f lies outside the primaries' triangle: red + green + blue cannot make it",
                        c[3].x, c[3].y)});
 }
 
@@ -94,7 +89,7 @@ std::vector<Finding> checkOpticalData(const float (&v)[127]) {
       continue;
     }
     if (xyz[0] < 0 || xyz[1] < 0 || xyz[2] < 0) {
-      out.push_back({true, name + " XYZ", fmt("negative (X %g, Y %g, ...): light cannot be negative", xyz[0], xyz[1])});
+      out.push_back({true, name + " XYZ", printfString("negative (X %g, Y %g, ...): light cannot be negative", xyz[0], xyz[1])});
       continue;
     }
     if (!(xyz[1] > 0)) {
@@ -110,12 +105,12 @@ std::vector<Finding> checkOpticalData(const float (&v)[127]) {
   const double white = v[kOdfWhiteAt + 1];
   if (known[3]) {
     if (white < 1 || white > 10000)
-      out.push_back({false, "white Y", fmt("%.4g cd/m2 is outside the 1..10000 of a display", white)});
+      out.push_back({false, "white Y", printfString("%.4g cd/m2 is outside the 1..10000 of a display", white)});
     if (known[0] && known[1] && known[2]) {
       const double rgb = static_cast<double>(v[kOdfRedAt + 1]) + v[kOdfGreenAt + 1] + v[kOdfBlueAt + 1];
       if (std::fabs(rgb - white) > 0.1 * white)
         out.push_back({false, "red + green + blue Y",
-                       fmt("%.4g cd/m2 against white %.4g: more than 10 %% apart", rgb, white)});
+                       printfString("%.4g cd/m2 against white %.4g: more than 10 %% apart", rgb, white)});
     }
   }
   // Grey levels from dark to bright: each above the one below, all below white.
@@ -129,16 +124,16 @@ std::vector<Finding> checkOpticalData(const float (&v)[127]) {
       return out;
     }
     if (!(y > below)) {
-      out.push_back({true, name, fmt("%.4g cd/m2 is not above ", y) + belowName + fmt(" (%.4g): more drive gave no more light", below)});
+      out.push_back({true, name, printfString("%.4g cd/m2 is not above ", y) + belowName + printfString(" (%.4g): more drive gave no more light", below)});
       return out;
     }
     if (known[3] && !(y < white)) {
-      out.push_back({true, name, fmt("%.4g cd/m2 is not below white (%.4g)", y, white)});
+      out.push_back({true, name, printfString("%.4g cd/m2 is not below white (%.4g)", y, white)});
       return out;
     }
     if (known[3]) {
       const double e = std::log(y / white) / std::log(kOdfGreyLevels[k] / 4095.0);
-      if (e < 1.5 || e > 3.2) out.push_back({false, name, fmt("exponent %.3f is outside 1.5..3.2", e)});
+      if (e < 1.5 || e > 3.2) out.push_back({false, name, printfString("exponent %.3f is outside 1.5..3.2", e)});
     }
     below = y;
     belowName = name;
@@ -157,16 +152,16 @@ std::vector<Finding> checkTarget(const TargetParm& t, int count) {
   for (int i = 0; i < 4; ++i) c[i] = {t.values[2 * i], t.values[2 * i + 1]};
   checkChromaticities(c, known, out);
   if (std::hypot(c[3].x - 0.3127, c[3].y - 0.3290) > 0.03)
-    out.push_back({false, "white x y", fmt("x %.4f y %.4f is far from D65 (0.3127 0.3290)", c[3].x, c[3].y)});
+    out.push_back({false, "white x y", printfString("x %.4f y %.4f is far from D65 (0.3127 0.3290)", c[3].x, c[3].y)});
 
   auto exponent = [&](int at, const char* what) {
     const double p = t.values[at];
     const std::string field = std::string(what) + " (value " + std::to_string(at + 1) + ")";
     const double decode = 1.0 / p;
     if (!(p > 0) || decode < 1.0 || decode > 4.0) {
-      out.push_back({true, field, fmt("%g decodes with power %.4g, outside 1..4; the file holds 1/gamma (0.4545 for gamma 2.2)", p, decode)});
+      out.push_back({true, field, printfString("%g decodes with power %.4g, outside 1..4; the file holds 1/gamma (0.4545 for gamma 2.2)", p, decode)});
     } else if (decode < 1.6 || decode > 3.0) {
-      out.push_back({false, field, fmt("%g is gamma %.3f, outside 1.6..3.0", p, decode)});
+      out.push_back({false, field, printfString("%g is gamma %.3f, outside 1.6..3.0", p, decode)});
     }
   };
   exponent(8, "exponent parameter");
@@ -176,7 +171,7 @@ std::vector<Finding> checkTarget(const TargetParm& t, int count) {
       if (i == 15) continue;
       if (std::fabs(t.values[i]) > 0.5)
         out.push_back({false, "gamma-correction offset (value " + std::to_string(i + 1) + ")",
-                       fmt("%g moves the panel's exponent by more than 0.5", t.values[i])});
+                       printfString("%g moves the panel's exponent by more than 0.5", t.values[i])});
     }
   }
   return out;

@@ -4,9 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 
 namespace pctool {
 
@@ -30,6 +33,26 @@ bool checkInputFile(const std::string& path, std::string& error) {
   }
   if (access(path.c_str(), R_OK) != 0) {
     error = "cannot open: " + std::string(std::strerror(errno));
+    return false;
+  }
+  return true;
+}
+
+bool readInputFile(const std::string& path, size_t limit, std::string& text, std::string& error) {
+  text.clear();
+  if (!checkInputFile(path, error)) return false;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    error = "cannot open: " + std::string(std::strerror(errno));
+    return false;
+  }
+  char chunk[64 * 1024];
+  while (in && text.size() <= limit) {
+    in.read(chunk, static_cast<std::streamsize>(std::min(sizeof chunk, limit + 1 - text.size())));
+    text.append(chunk, static_cast<size_t>(in.gcount()));
+  }
+  if (in.bad()) {
+    error = "cannot read";
     return false;
   }
   return true;
@@ -91,6 +114,19 @@ std::string parentFolder(const std::string& path) {
   const size_t slash = path.find_last_of('/');
   if (slash == std::string::npos) return "";
   return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string fileName(const std::string& path) {
+  const size_t slash = path.find_last_of('/');
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::string lowerExtension(const std::string& path) {
+  const std::string name = fileName(path);
+  const size_t dot = name.find_last_of('.');
+  std::string ext = dot == std::string::npos ? "" : name.substr(dot);
+  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return ext;
 }
 
 }  // namespace pctool

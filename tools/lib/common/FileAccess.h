@@ -4,6 +4,7 @@
 // checked, so a full disk or a read-only target is reported, never a silent exit 0.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace pctool {
@@ -11,6 +12,10 @@ namespace pctool {
 // True when `path` is a regular file that can be opened for reading; else false with a reason
 // without the path: "no such file", "is a folder, not a file", "not a regular file", ...
 bool checkInputFile(const std::string& path, std::string& error);
+
+// The text of an input file checked as above: at most `limit` bytes and one more, so the
+// caller's reader can tell a file over its limit. False with a reason without the path.
+bool readInputFile(const std::string& path, size_t limit, std::string& text, std::string& error);
 
 // Writes `bytes` to `path`, created or truncated. False with a reason without the path
 // ("cannot write: No space left on device"); a regular file left half-written is removed.
@@ -20,7 +25,10 @@ bool writeWholeFile(const std::string& path, const std::string& bytes, std::stri
 // ("cannot create the folder: Not a directory").
 bool makeFolders(const std::string& dir, std::string& error);
 
-// The folder part of a path ("" for a bare name).
+// The folder part of a path ("" for a bare name), the name after it, and the name's extension
+// in lower case with its dot ("" without one).
 std::string parentFolder(const std::string& path);
+std::string fileName(const std::string& path);
+std::string lowerExtension(const std::string& path);
 
 }  // namespace pctool

@@ -1,6 +1,5 @@
 #include "tools/lib/device/PropertyFile.h"
 
-#include <fstream>
 
 #include "tools/lib/common/FileAccess.h"
 
@@ -35,11 +34,8 @@ bool PropertyFile::load(const std::string& hostPath, std::string& error) {
   mEntries.clear();
   mNames.clear();
   mDiagnosis = {};
-  if (!checkInputFile(hostPath, error)) return false;
-  std::ifstream in(hostPath, std::ios::binary);
-  std::string text(postblend::kMaxPropertyBytes + 1, '\0');
-  in.read(&text[0], static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<size_t>(in.gcount()));
+  std::string text;
+  if (!readInputFile(hostPath, postblend::kMaxPropertyBytes, text, error)) return false;
   postblend::PropertyRead read = postblend::readProperties(text);
   mDiagnosis = read.diagnosis;
   if (mDiagnosis.problem == PropertyProblem::TooLarge) {

@@ -9,7 +9,6 @@ namespace pctool {
 
 namespace {
 
-constexpr size_t kMaxScriptBytes = 1 << 20;
 constexpr size_t kMaxArgs = 64;
 
 bool toInt(const std::string& s, int* out) {
@@ -31,7 +30,7 @@ bool toPanel(const std::string& s, int* out) {
 }  // namespace
 
 bool parseSession(const std::string& script, std::vector<SessionStep>* steps, std::string* error) {
-  if (script.size() > kMaxScriptBytes) {
+  if (script.size() > kMaxSessionBytes) {
     *error = "script too large";
     return false;
   }

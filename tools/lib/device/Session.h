@@ -14,10 +14,13 @@
 //   deinit PANEL                   DeInit the panel's plugin object
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace pctool {
+
+constexpr size_t kMaxSessionBytes = 1 << 20;
 
 struct SessionStep {
   enum Kind { kInit, kDeInit, kWaitTables, kBrightness, kNeedsUpdate, kFrame, kHidlSet, kHidlGet,
@@ -31,7 +34,8 @@ struct SessionStep {
   std::string text;         // echo, and the original line for the log
 };
 
-// Parses a whole script. On error returns false and sets `error` to "line N: reason".
+// Parses a whole script (at most kMaxSessionBytes). On error returns false and sets `error` to
+// "line N: reason".
 bool parseSession(const std::string& script, std::vector<SessionStep>* steps, std::string* error);
 
 // The session `simulate` plays when none is given.

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 
 #include "tools/lib/common/FileAccess.h"
 
@@ -172,20 +171,9 @@ bool parseCgats(const std::string& text, const std::string& source, CgatsFile* o
 }
 
 bool readCgatsFile(const std::string& path, CgatsFile* out, std::string* error) {
-  std::string why;
-  if (!checkInputFile(path, why)) {
+  std::string text, why;
+  if (!readInputFile(path, kCgatsMaxFileBytes, text, why)) {
     if (error) *error = path + ": " + why;
-    return false;
-  }
-  std::ifstream in(path, std::ios::binary);
-  std::string text;
-  std::vector<char> buf(64 * 1024);
-  while (in && text.size() <= kCgatsMaxFileBytes) {
-    in.read(buf.data(), static_cast<std::streamsize>(buf.size()));
-    text.append(buf.data(), static_cast<size_t>(in.gcount()));
-  }
-  if (in.bad()) {
-    if (error) *error = path + ": cannot read";
     return false;
   }
   return parseCgats(text, path, out, error);

@@ -7,6 +7,7 @@
 #include "cache/DeltaApply.h"
 #include "frontend/TablePlan.h"
 #include "tools/lib/colour/ReferenceColours.h"
+#include "tools/lib/common/PrintfString.h"
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/verify/Prediction.h"
 
@@ -17,12 +18,6 @@ namespace {
 // Within this, two targets draw as one line on the page (the xy diagram's pixel is ~0.0013).
 constexpr double kSameChromaticity = 0.003;
 constexpr double kSameExponent = 0.002;
-
-std::string fmt(const char* f, double a, double b = 0, double c = 0) {
-  char buf[160];
-  std::snprintf(buf, sizeof buf, f, a, b, c);
-  return buf;
-}
 
 const std::vector<double>& setDash(size_t set) {
   static const std::vector<double> kDash[4] = {{}, {9, 4}, {2, 3}, {10, 3, 2, 3}};
@@ -132,8 +127,8 @@ void planGrey(const PanelReport& rep, ReportPlan& plan) {
       if (rel > 0 && rel < 1) c.points.emplace_back(r.code[k], std::log(rel) / std::log(r.code[k] / 4095.0));
     }
     curves.push_back(c);
-    std::string fact = "panel " + rep.odfs[s].set + ": white " + fmt("%.1f cd/m2", white) + ", grey 512 " +
-                       fmt("%.3f cd/m2", r.Y[1]) + ", grey 2048 " + fmt("%.2f cd/m2", r.Y[4]);
+    std::string fact = "panel " + rep.odfs[s].set + ": white " + printfString("%.1f cd/m2", white) + ", grey 512 " +
+                       printfString("%.3f cd/m2", r.Y[1]) + ", grey 2048 " + printfString("%.2f cd/m2", r.Y[4]);
     plan.greyFacts.push_back(fact);
   }
 
@@ -163,7 +158,7 @@ void planGrey(const PanelReport& rep, ReportPlan& plan) {
     }
     const double e = 1.0 / t.target.values[8];
     PlanCurve c;
-    c.label = "target " + t.mode + fmt(" gamma %.3f", e);
+    c.label = "target " + t.mode + printfString(" gamma %.3f", e);
     if (first[i] != i) c.label += " (same as " + rep.targets[first[i]].mode + ")";
     c.style = shared(modeColourIndex(t.mode), j, k);
     c.points = {{0, e}, {4095, e}};
@@ -176,8 +171,8 @@ void planGrey(const PanelReport& rep, ReportPlan& plan) {
     }
     const float* v = t.target.values;
     plan.greyFacts.push_back("target " + targetLabel(t) + ": gamma offsets at codes 0/256 " +
-                             fmt("%+.3f %+.3f", v[9], v[10]) + ", at 3328/3584/3840/4095 " +
-                             fmt("%+.3f %+.3f %+.3f", v[16], v[17], v[18]) + fmt(" %+.3f", v[19]));
+                             printfString("%+.3f %+.3f", v[9], v[10]) + ", at 3328/3584/3840/4095 " +
+                             printfString("%+.3f %+.3f %+.3f", v[16], v[17], v[18]) + printfString(" %+.3f", v[19]));
   }
 }
 

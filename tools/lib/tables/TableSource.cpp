@@ -21,19 +21,6 @@ namespace {
 
 constexpr size_t kHeadBytes = 4096;
 
-std::string baseName(const std::string& path) {
-  size_t slash = path.find_last_of('/');
-  return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
-std::string extension(const std::string& path) {
-  std::string name = baseName(path);
-  size_t dot = name.find_last_of('.');
-  std::string ext = dot == std::string::npos ? "" : name.substr(dot);
-  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return ext;
-}
-
 bool isCubeKeyword(const std::string& tok) {
   static const char* const kWords[] = {
       "TITLE",      "LUT_3D_SIZE",        "LUT_1D_SIZE",       "DOMAIN_MIN",
@@ -41,20 +28,6 @@ bool isCubeKeyword(const std::string& tok) {
   for (const char* w : kWords)
     if (tok == w) return true;
   return false;
-}
-
-// Reads at most `limit` + 1 bytes so callers can tell an oversized file.
-bool slurp(const std::string& path, size_t limit, std::string& out, std::string& error) {
-  if (!checkInputFile(path, error)) return false;
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    error = "cannot open: " + std::string(std::strerror(errno));
-    return false;
-  }
-  out.assign(limit + 1, '\0');
-  in.read(&out[0], static_cast<std::streamsize>(out.size()));
-  out.resize(static_cast<size_t>(in.gcount()));
-  return true;
 }
 
 }  // namespace
@@ -88,7 +61,7 @@ FileKind detectKind(const std::string& path, std::string& error) {
   in.seekg(0);
   std::string head(static_cast<size_t>(size < kHeadBytes ? size : kHeadBytes), '\0');
   in.read(&head[0], static_cast<std::streamsize>(head.size()));
-  const std::string ext = extension(path);
+  const std::string ext = lowerExtension(path);
   if (size == 0) {
     error = "not a LUT: empty file";
     return FileKind::Unknown;
@@ -187,7 +160,7 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
   using postblend::LutTextFile;
   check = LutTextCheck{};
   std::string text;
-  if (!slurp(path, LutTextFile::kMaxBytes, text, error)) return false;
+  if (!readInputFile(path, LutTextFile::kMaxBytes, text, error)) return false;
   const postblend::LutTextRead read = LutTextFile::parse(text.data(), text.size(), &lut);
   check.values = read.tokens;
   if (!read.diagnosis.ok()) {
@@ -204,7 +177,7 @@ bool readLutText(const std::string& path, lut3d_info& lut, uint32_t lutId, LutTe
 bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::string& error,
                 Interp cubeInterp) {
   out.clear();
-  const std::string name = baseName(path);
+  const std::string name = fileName(path);
   FileKind kind = detectKind(path, error);
   switch (kind) {
     case FileKind::Cache: {

@@ -4,18 +4,13 @@
 #include <string>
 
 #include "tools/lib/common/JsonText.h"
+#include "tools/lib/common/PrintfString.h"
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/verify/Verify.h"
 
 namespace pctool {
 
 namespace {
-
-std::string fmt(const char* f, double v) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, f, v);
-  return buf;
-}
 
 std::string lab(const Lab& l) { return "[" + jsonNumber(l.L) + "," + jsonNumber(l.a) + "," + jsonNumber(l.b) + "]"; }
 
@@ -86,7 +81,7 @@ std::string toText(const VerifyResult& r) {
   if (r.hasPrediction) {
     const Prediction& p = r.prediction;
     o += "predicted error of the calibrated panel against the target (CIEDE2000, target decode exponent " +
-         fmt("%.3f", p.targetDecodeExponent) + "):\n";
+         printfString("%.3f", p.targetDecodeExponent) + "):\n";
     o += "    colour        R   G   B    table output (codes)     dE00   without table\n";
     colourLines(o, p.reference);
     colourLines(o, p.grey);
