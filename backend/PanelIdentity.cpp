@@ -112,7 +112,7 @@ bool PanelCorvaneBE::getSnByHidl(char* out) {
   return true;
 }
 
-// Kept for the interface; nothing calls it: the serial comes from the ioctl.
+// Part of the interface; nothing calls it: the serial comes from the ioctl.
 bool PanelCorvaneBE::readSysSn(char* out) {
   if (out == nullptr) return false;
   for (int pass = 0; pass < kSysfsPasses; ++pass) {

@@ -64,7 +64,7 @@ int PanelCorvaneFE::readTargetParm(TargetParm& target, const char* path) {
   return 0;
 }
 
-// Kept for the interface; no flow of the plugin calls it.
+// Part of the interface; no flow of the plugin calls it.
 int PanelCorvaneFE::readODFCheck(const char* path, ODFErrorCheck* check) {
   if (check == nullptr) return 0;
   FILE* f = devio::fopen(path, "r");

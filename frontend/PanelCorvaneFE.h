@@ -38,7 +38,7 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   // Optical data, target and error-check files.
   int readODF(OpticalDataFile& odf, const char* path);
   int readTargetParm(TargetParm& target, const char* path);
-  // Kept for the interface; nothing calls it.
+  // Part of the interface; nothing calls it.
   int readODFCheck(const char* path, ODFErrorCheck* check);
 
   // Colour-space arithmetic (ColorMath.h) with the log lines of the matrix steps.

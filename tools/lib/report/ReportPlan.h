@@ -1,6 +1,6 @@
 // What a report page says, worked out before anything is drawn: legends with their styles,
 // the curves, the swatches with their CIEDE2000, the brightness lines and the notes. The page
-// is drawn from this plan (ReportPage.cpp), and tests check a page's structure here, without
+// is drawn from this plan (Report.cpp and its sections), and tests check a page's structure here, without
 // pixels.
 //
 // Styles: a mode has one colour on every page (Vivid, Nature, Cinema and LsRGB fixed, other
