@@ -10,7 +10,7 @@
 namespace {
 
 // The published pairs travel with the project (source named in the file's header).
-std::string sharmaPath() { return std::string(PC_SOURCE_DIR) + "/tests/tools/data/ciede2000-sharma2005.tsv"; }
+std::string sharmaPath() { return std::string(PC_SOURCE_DIR) + "/tests/data/tools/ciede2000-sharma2005.tsv"; }
 
 TEST(Ciede2000, ReproducesTheSharmaWuDalalPairs) {
   std::ifstream in(sharmaPath());
