@@ -5,16 +5,15 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
+
+#include "tests/tools/WorkbenchFixtures.h"
 
 namespace {
 
 // The published pairs travel with the project (source named in the file's header).
-std::string sharmaPath() { return std::string(PC_SOURCE_DIR) + "/tests/data/tools/ciede2000-sharma2005.tsv"; }
-
 TEST(Ciede2000, ReproducesTheSharmaWuDalalPairs) {
-  std::ifstream in(sharmaPath());
-  ASSERT_TRUE(in) << "reference pairs not found at " << sharmaPath();
+  std::ifstream in(pctest::dataPath("ciede2000-sharma2005.tsv"));
+  ASSERT_TRUE(in) << "reference pairs not found";
   std::string line;
   int pairs = 0;
   while (std::getline(in, line)) {
@@ -30,18 +29,24 @@ TEST(Ciede2000, ReproducesTheSharmaWuDalalPairs) {
   EXPECT_EQ(pairs, 34);
 }
 
-TEST(Ciede2000, LabOfWhiteBlackAndGrey) {
-  pctool::Lab white = pctool::xyzToLab(pctool::kD65, pctool::kD65);
-  EXPECT_NEAR(white.L, 100.0, 1e-9);
-  EXPECT_NEAR(white.a, 0.0, 1e-9);
-  EXPECT_NEAR(white.b, 0.0, 1e-9);
-  EXPECT_NEAR(pctool::xyzToLab(pctool::Xyz{}, pctool::kD65).L, 0.0, 1e-9);
-  // 18 % grey sits near L* 49.5; sRGB white through the matrix is the D65 white.
-  pctool::Xyz grey{0.18 * pctool::kD65.X, 0.18, 0.18 * pctool::kD65.Z};
-  EXPECT_NEAR(pctool::xyzToLab(grey, pctool::kD65).L, 49.496, 1e-3);
-  pctool::Xyz w = pctool::linearSrgbToXyz(1, 1, 1);
-  EXPECT_NEAR(w.X, pctool::kD65.X, 1e-6);
-  EXPECT_NEAR(w.Z, pctool::kD65.Z, 1e-6);
+TEST(Ciede2000, LabOfKnownColours) {
+  const pctool::Xyz grey{0.18 * pctool::kD65.X, 0.18, 0.18 * pctool::kD65.Z};
+  const uint32_t red[3] = {4095, 0, 0}, white[3] = {4095, 4095, 4095};
+  const struct {
+    const char* what;
+    pctool::Lab lab, expected;
+  } rows[] = {
+      {"white", pctool::xyzToLab(pctool::kD65, pctool::kD65), {100, 0, 0}},
+      {"black", pctool::xyzToLab(pctool::Xyz{}, pctool::kD65), {0, 0, 0}},
+      {"18 % grey", pctool::xyzToLab(grey, pctool::kD65), {49.496, 0, 0}},
+      {"12-bit white as sRGB", pctool::srgbCodeLab(white), {100, 0, 0}},
+      {"12-bit red as sRGB", pctool::srgbCodeLab(red), {53.24, 80.09, 67.20}},
+  };
+  for (const auto& r : rows) {
+    EXPECT_NEAR(r.lab.L, r.expected.L, 1e-2) << r.what;
+    EXPECT_NEAR(r.lab.a, r.expected.a, 1e-2) << r.what;
+    EXPECT_NEAR(r.lab.b, r.expected.b, 1e-2) << r.what;
+  }
 }
 
 }  // namespace

@@ -2,37 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/TestSupport.h"
+#include "tests/tools/WorkbenchFixtures.h"
 #include "tools/lib/device/DataSource.h"
 
 namespace {
 
-// Two panels' jobs interleaved as two workers log them, then a regeneration on another thread.
-const char kLog[] =
-    "11-23 02:26:00.096 11373 11374 D PanelCorvaneBE: 1-readFactorPanelId: 2023/06/23_22:16:19_26.9\n"
-    "11-23 02:26:00.096 11373 11375 D PanelCorvaneBE: 1-readFactorPanelId: 2024/01/02_14:08:42_40.3\n"
-    "11-23 02:26:00.096 11373 11374 D PanelCorvaneBE: 1-transferAndCmp: device: 2023/06/23_22:16:19_26.3(24) -> "
-    "2023/06/23_22:16:19_26.9\n"
-    "(25)\n"
-    "11-23 02:26:00.096 11373 11375 E PanelCorvaneBE: 1-transferAndCmp: PSN_OK.\n"
-    "11-23 02:26:00.097 11373 11374 D PanelCorvaneBE: 1-transferAndCmp: 3 <> 9 (23)\n"
-    "11-23 02:26:00.097 11373 11374 E PanelCorvaneBE: 1-loadCfgFile: Main\n"
-    "11-23 02:26:00.097 11373 11375 E PanelCorvaneBE: 1-loadCfgFile: Side\n"
-    "11-23 02:26:00.098 11373 11375 D PanelCorvaneFE: 1-readODF: open /mnt/vendor/persist/display/Loading_ON_1_max_d1.odf\n"
-    "11-23 02:26:00.098 11373 11375 E PanelCorvaneFE: 1-readODF: CRC CHECK:0x1234 ?= 0xabcd\n"
-    "11-23 02:26:00.098 11373 11375 E PanelCorvaneFE: 1-generateCfgFile: failed to open local odf\n"
-    "11-23 02:26:00.099 11373 11374 E PanelCorvaneFE: 1-generateCfgFile: unmatched,golden.\n"
-    "11-23 02:26:00.099 11373 11375 E PanelCorvaneFE: 1-generateCfgFile: matched,golden.\n"
-    "11-23 02:26:00.100 11373 11373 E PanelCorvane: 1-generateCfgFile: Main\n"
-    "11-23 02:26:00.100 11373 11373 E PanelCorvaneBE: 1-readFactorPanelId: failed to open panel_id!\n"
-    "11-23 02:26:00.100 11373 11373 E PanelCorvaneFE: 1-readODF: open /odm/etc/PanelCorvane/Main_2_max.odf failed!\n";
-
+// session.log: two panels' jobs interleaved as two workers log them, then a regeneration on
+// another thread.
 TEST(TableJobLog, JobsAreToldApartByThreadAndNamedByTheirPanel) {
-  pctest::TempRoot root;
-  root.write("/session.log", kLog);
   std::vector<pctool::PluginLogLine> lines;
   std::string err;
-  ASSERT_TRUE(pctool::readPluginLog(root.host("/session.log"), lines, err)) << err;
+  ASSERT_TRUE(pctool::readPluginLog(pctest::dataPath("session.log"), lines, err)) << err;
   ASSERT_EQ(lines.size(), 15u);  // the "(25)" line continues the one before
   EXPECT_EQ(lines[2].text.substr(lines[2].text.size() - 5), "\n(25)");
 

@@ -1,6 +1,7 @@
-// verify --lot: tables got in memory must be the plugin's own, bit for bit, from the same data
-// source; the lot's figures, yield and outputs must name the faulty panels and not depend on
-// the thread count.
+// Production lots: a synthetic lot must hold exactly the faults lot.csv names, or every lot test
+// checks nothing; verify --lot's tables got in memory must be the plugin's own, bit for bit, from
+// the same data source, and its figures, yield and outputs must name the faulty panels and not
+// depend on the thread count.
 #include "tools/lib/lot/LotVerify.h"
 
 #include <gtest/gtest.h>
@@ -9,10 +10,13 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <set>
 
 #include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
 #include "tests/tools/ToolRunner.h"
-#include "tools/lib/device/DataSource.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
 #include "tools/lib/device/PanelTables.h"
 #include "tools/lib/device/PropertyFile.h"
 #include "tools/lib/device/SyntheticDevice.h"
@@ -41,7 +45,7 @@ class LotVerify : public pctest::ToolRunner {
   void expectSameAsPlugin(const std::string& tree, const std::string& simulated) {
     pctool::PropertyFile prop;
     std::string error;
-    ASSERT_TRUE(prop.load(tree + "/odm/etc/PanelCorvane/panelcorvane", error)) << error;
+    ASSERT_TRUE(prop.load(tree + postblend::Prop::kPath, error)) << error;
     const postblend::PanelSwitches sw = prop.switches();
     for (const auto& [name, panel] : prop.displayNames()) {
       pctool::DisplayTables mine;
@@ -53,12 +57,16 @@ class LotVerify : public pctest::ToolRunner {
       ASSERT_EQ(mine.tables.size(), plugin.tables.size()) << name;
       for (size_t k = 0; k < mine.tables.size(); ++k)
         EXPECT_EQ(std::memcmp(&mine.tables[k], &plugin.tables[k], sizeof(mine.tables[k])), 0) << name << " table " << k;
-      // The simulated tree now has the cache; like the plugin, the lot takes it unless it says
-      // golden although the identity matched (such a cache is made again).
+      // After the session the simulated tree holds the cache; like the plugin, the lot takes it
+      // unless it says golden although the identity matched (such a cache is made again).
       pctool::DisplayTables cached;
       pctool::loadDisplayTables(simulated, sw, name, panel, cached);
       EXPECT_EQ(cached.fromCache, mine.source != 2) << cached.note;
       EXPECT_EQ(cached.source, mine.source);
+      ASSERT_EQ(cached.tables.size(), mine.tables.size());
+      EXPECT_EQ(std::memcmp(cached.tables.data(), mine.tables.data(), mine.tables.size() * sizeof(mine.tables[0])), 0);
+      // The figures judge the panel by the same data, from the cache or not.
+      EXPECT_EQ(std::memcmp(cached.judge, mine.judge, sizeof mine.judge), 0) << name;
     }
   }
   std::string csvRow(const std::string& csv, const std::string& start) {
@@ -99,33 +107,6 @@ TEST_F(LotVerify, TablesAreThePluginsBitForBit) {
   expectSameAsPlugin(dir + "/C", dir + "/CS/device");
 }
 
-// A tree whose cache the plugin takes gives the figures of the tables generated in memory.
-TEST_F(LotVerify, CachedTablesGiveTheFiguresOfGeneratedOnes) {
-  pctool::SyntheticDeviceOptions o;
-  o.seed = 4;
-  std::string error;
-  ASSERT_TRUE(pctool::writeSyntheticDevice(dir + "/G/device", o, &error)) << error;
-  simulate("G/device", "S");
-  ToolRun r = run("verify --lot G/device S/device --csv both.csv");
-  ASSERT_EQ(r.status, 0) << r.err;
-  const std::string csv = slurp(dir + "/both.csv");
-  size_t generated = 0, cached = 0;
-  for (const char* display : {"PanelCorvane_primary", "PanelCorvane_secondary"}) {
-    for (const char* mode : {"0,Vivid 100-nit", "3,Nature", "7,LsRGB"}) {
-      const std::string start = std::string("device,") + display + "," + mode + ",local,";
-      const size_t first = csv.find("\n" + start), second = csv.find("\n" + start, first + 1);
-      ASSERT_NE(second, std::string::npos) << start << "\n" << csv;
-      std::string a = csv.substr(first, csv.find('\n', first + 1) - first);
-      std::string b = csv.substr(second, csv.find('\n', second + 1) - second);
-      generated += a.find(",generated,") != std::string::npos;
-      cached += b.find(",cache,") != std::string::npos;
-      EXPECT_EQ(a.replace(a.find(",generated,"), 11, ","), b.replace(b.find(",cache,"), 7, ","));
-    }
-  }
-  EXPECT_EQ(generated, 6u);
-  EXPECT_EQ(cached, 6u);
-}
-
 // The plugin sees the serial number through the driver's 41-byte argument: characters after the
 // 40th never reach the comparison, a short one fails it.
 TEST_F(LotVerify, IdentityIsJudgedOnWhatTheDriverHandsOver) {
@@ -143,16 +124,21 @@ TEST_F(LotVerify, IdentityIsJudgedOnWhatTheDriverHandsOver) {
   EXPECT_FALSE(pctool::identityMatches(dir + "/D", 0)) << "no identity stamp";
 }
 
-TEST_F(LotVerify, FaultyPanelsRunOnGoldenDataAndTheOutputsNameThem) {
+// A lot of twelve with its faults: the outputs name every panel off its own data, whatever the
+// thread count; an unreadable tree is named and the others are still checked and written.
+TEST_F(LotVerify, FaultyPanelsAreNamedWhateverTheThreadCount) {
   ASSERT_EQ(run("mkdevice --lot 12 L --seed 3").status, 0);
-  ToolRun r = run("verify --lot L --csv l.csv --json l.json -j 2");
+  const ToolRun r = run("verify --lot L --csv l.csv --json l.json -j 1");
   ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_NE(r.out.find("yield: "), std::string::npos) << r.out;
-  EXPECT_NE(r.out.find("data source of the tables: 1 golden, 2 golden although the identity matched, 9 local\n"),
-            std::string::npos)
-      << r.out;
+  const ToolRun two = run("verify --lot L --csv 2.csv --json 2.json -j 2");
+  EXPECT_EQ(r.out, two.out);
   const std::string csv = slurp(dir + "/l.csv"), json = slurp(dir + "/l.json");
+  EXPECT_EQ(csv, slurp(dir + "/2.csv"));
+  EXPECT_EQ(json, slurp(dir + "/2.json"));
+  EXPECT_NE(r.out.find("data source of the tables: 1 golden, 2 golden although the identity matched, 9 local\n"),
+            std::string::npos) << r.out;
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 12 * 8) << "one row per panel and mode";
+  EXPECT_NE(json.find("\"panels\":12,"), std::string::npos);
   for (const auto& p : pctool::planLot(12, 3)) {
     const char* source = p.fault == pctool::LotFault::None              ? ",local,generated,"
                          : p.fault == pctool::LotFault::MismatchedStamp ? ",golden,generated,golden,"
@@ -164,22 +150,16 @@ TEST_F(LotVerify, FaultyPanelsRunOnGoldenDataAndTheOutputsNameThem) {
     const bool named = r.out.find("not on its own optical data: " + p.name + " ") != std::string::npos;
     EXPECT_EQ(named, p.fault != pctool::LotFault::None) << p.name << "\n" << r.out;
   }
-  EXPECT_NE(json.find("\"source\":\"golden although the identity matched\""), std::string::npos);
-  EXPECT_NE(json.find("\"panels\":12,"), std::string::npos);
-}
-
-TEST_F(LotVerify, OutputDoesNotDependOnTheThreadCount) {
-  ASSERT_EQ(run("mkdevice --lot 12 L --seed 8").status, 0);
-  ToolRun one = run("verify --lot L/panel-0003 L --csv 1.csv --json 1.json -j 1");
-  ToolRun two = run("verify --lot L/panel-0003 L --csv 2.csv --json 2.json -j 2");
-  ASSERT_EQ(one.status, 0) << one.err;
-  EXPECT_EQ(one.out, two.out);
-  EXPECT_EQ(slurp(dir + "/1.csv"), slurp(dir + "/2.csv"));
-  EXPECT_EQ(slurp(dir + "/1.json"), slurp(dir + "/2.json"));
   // A tree named on its own comes first, then the lot's trees in name order.
-  const std::string csv = slurp(dir + "/1.csv");
-  EXPECT_LT(csv.find("\npanel-0003,"), csv.find("\npanel-0001,"));
-  EXPECT_LT(csv.find("\npanel-0001,"), csv.find("\npanel-0002,"));
+  fs::remove(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
+  fs::create_directories(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
+  const ToolRun broken = run("verify --lot L/panel-0003 L --csv b.csv");
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_NE(broken.err.find("panel-0002/odm/etc/PanelCorvane/panelcorvane: "), std::string::npos) << broken.err;
+  const std::string b = slurp(dir + "/b.csv");
+  EXPECT_NE(b.find("\npanel-0002,,,,,,,,,,unreadable,"), std::string::npos) << b;
+  EXPECT_LT(b.find("\npanel-0003,"), b.find("\npanel-0001,"));
+  EXPECT_LT(b.find("\npanel-0001,"), b.find("\npanel-0012,"));
 }
 
 TEST_F(LotVerify, YieldDistributionAndOutliers) {
@@ -219,43 +199,9 @@ TEST_F(LotVerify, YieldDistributionAndOutliers) {
   EXPECT_NE(pctool::lotSummaryText(s).find("yield: 9 of 12 panels pass every mode (75.0 %)"), std::string::npos);
 }
 
-TEST_F(LotVerify, BadInputsAndOutputs) {
-  ASSERT_EQ(run("mkdevice --lot 3 L").status, 0);
-  fs::create_directories(dir + "/empty");
-  fs::create_directories(dir + "/notatree/sub");
-  root.write("/plain", "x");
-  const struct {
-    const char* args;
-    int status;
-    const char* says;
-  } cases[] = {
-      {"verify --lot empty", 1, "empty: no device tree in it"},
-      {"verify --lot notatree", 1, "notatree: no device tree in it"},
-      {"verify --lot missing", 1, "missing: no such folder"},
-      {"verify --lot plain", 1, "plain: not a folder"},
-      {"verify --lot L --csv plain/x.csv", 1, "plain/x.csv: "},
-      {"verify --lot", 2, "needs at least one DIR"},
-      {"verify --lot L --max-de abc", 2, "--max-de wants"},
-      {"verify --lot L --max-de -1", 2, "--max-de wants"},
-      {"verify --lot L -j 0", 2, "-j wants"},
-      {"verify --lot L --bogus", 2, "unknown option --bogus"},
-  };
-  for (const auto& c : cases) {
-    ToolRun r = run(c.args);
-    EXPECT_EQ(r.status, c.status) << c.args;
-    EXPECT_NE(r.err.find(c.says), std::string::npos) << c.args << ": " << r.err;
-  }
-  // An unreadable tree in the lot: the others are still checked and written, and it is named.
-  fs::remove(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
-  fs::create_directories(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
-  ToolRun r = run("verify --lot L --csv l.csv");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_NE(r.err.find("panel-0002/odm/etc/PanelCorvane/panelcorvane: "), std::string::npos) << r.err;
-  const std::string csv = slurp(dir + "/l.csv");
-  EXPECT_NE(csv.find("\npanel-0002,,,,,,,,,,unreadable,"), std::string::npos) << csv;
-  EXPECT_NE(csv.find("\npanel-0003,"), std::string::npos);
-
-  r = run("verify --lot L/panel-0001 --png page.png");
+TEST_F(LotVerify, TheSummaryPageIsDrawnOrTheReasonGiven) {
+  ASSERT_EQ(run("mkdevice --lot 1 L").status, 0);
+  const ToolRun r = run("verify --lot L --png page.png");
   if (pctool::lotPageSupported()) {
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(slurp(dir + "/page.png").substr(1, 3), "PNG");
@@ -263,6 +209,99 @@ TEST_F(LotVerify, BadInputsAndOutputs) {
     EXPECT_EQ(r.status, 1);
     EXPECT_NE(r.err.find("page.png: built without cairo"), std::string::npos) << r.err;
   }
+}
+
+using pctool::LotFault;
+using pctool::LotPanel;
+
+std::map<LotFault, int> faultCounts(const std::vector<LotPanel>& lot) {
+  std::map<LotFault, int> n;
+  for (const auto& p : lot) ++n[p.fault];
+  return n;
+}
+
+TEST(ProductionLot, PlanHasAboutTwoPercentFaultsAndAtLeastOneOfEachFromTenPanels) {
+  struct Case {
+    unsigned count;
+    int faulty;
+  } cases[] = {{9, 0}, {10, 3}, {12, 3}, {200, 4}, {1000, 20}};
+  for (const auto& c : cases) {
+    const auto lot = pctool::planLot(c.count, 7);
+    ASSERT_EQ(lot.size(), c.count);
+    auto n = faultCounts(lot);
+    EXPECT_EQ(static_cast<int>(c.count) - n[LotFault::None], c.faulty) << c.count;
+    for (LotFault f : {LotFault::BadCrc, LotFault::MismatchedStamp, LotFault::MissingLocal}) {
+      if (c.count >= 10) {
+        EXPECT_GE(n[f], 1) << c.count << " " << pctool::lotFaultName(f);
+      }
+    }
+    std::set<unsigned> seeds;
+    for (const auto& p : lot) seeds.insert(p.seed);
+    EXPECT_EQ(seeds.size(), lot.size()) << "every panel is measured with its own seed";
+  }
+  const auto a = pctool::planLot(12, 3), b = pctool::planLot(12, 3), other = pctool::planLot(12, 4);
+  EXPECT_EQ(pctool::lotCsv(a), pctool::lotCsv(b));
+  EXPECT_NE(pctool::lotCsv(a), pctool::lotCsv(other));
+  EXPECT_EQ(a.front().name, "panel-0001");
+  EXPECT_EQ(a.back().name, "panel-0012");
+}
+
+class LotTrees : public pctest::ToolRunner {};
+
+// Each fault does to the tree what lot.csv says, and nothing else: the other panels are sound.
+TEST_F(LotTrees, EachFaultIsInTheFileLotCsvNames) {
+  pctest::LogCapture quiet;  // the identity check logs as in the plugin
+  const auto lot = pctool::planLot(12, 3);
+  std::string error;
+  ASSERT_TRUE(pctool::writeLot(dir + "/L", lot, 2, error)) << error;
+  EXPECT_EQ(slurp(dir + "/L/lot.csv"), pctool::lotCsv(lot));
+  for (const auto& p : lot) {
+    const std::string tree = dir + "/L/" + p.name;
+    const std::string local = tree + "/mnt/vendor/persist/display/Loading_ON_1_max.odf";
+    pctool::OpticalDataFile odf{};
+    pctool::OdfCheck check;
+    switch (p.fault) {
+      case LotFault::BadCrc:
+        EXPECT_FALSE(pctool::readOdfFile(tree + "/" + p.detail, odf, check, error)) << p.name;
+        EXPECT_NE(error.find("CRC mismatch"), std::string::npos) << error;
+        break;
+      case LotFault::MissingLocal:
+        EXPECT_FALSE(std::filesystem::exists(tree + "/" + p.detail)) << p.name;
+        break;
+      case LotFault::MismatchedStamp:
+        EXPECT_FALSE(pctool::identityMatches(tree, 0)) << p.name;
+        break;
+      case LotFault::None:
+        EXPECT_TRUE(pctool::identityMatches(tree, 0)) << p.name;
+        EXPECT_TRUE(pctool::readOdfFile(local, odf, check, error)) << p.name << ": " << error;
+        break;
+    }
+    // One display per panel: the property file names no secondary.
+    EXPECT_EQ(slurp(tree + "/odm/etc/PanelCorvane/panelcorvane").find("secondary"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(tree + "/mnt/vendor/persist/display/panel_id_d1"));
+  }
+  // One panel type: golden data and targets alike throughout, the units' own data not.
+  const std::string odm = "/odm/etc/PanelCorvane/PanelCorvane_primary", persist = "/mnt/vendor/persist/display/";
+  for (const char* file : {"_2_max.odf", "_1_100nit.odf", "_Vivid.txt", "_LsRGB_100nits.txt"})
+    EXPECT_EQ(slurp(dir + "/L/panel-0001" + odm + file), slurp(dir + "/L/panel-0007" + odm + file)) << file;
+  EXPECT_NE(slurp(dir + "/L/panel-0001" + persist + "Loading_ON_2_max.odf"),
+            slurp(dir + "/L/panel-0007" + persist + "Loading_ON_2_max.odf"));
+  EXPECT_NE(slurp(dir + "/L/panel-0001" + persist + "panel_id"), slurp(dir + "/L/panel-0007" + persist + "panel_id"));
+}
+
+// An existing lot is replaced only on request, and only its own parts go.
+TEST_F(LotTrees, ReplacedOnlyOnRequest) {
+  if (!haveTool()) GTEST_SKIP() << "panelcorvane not built at " << tool;
+  ASSERT_EQ(run("mkdevice --lot 12 L --seed 3 -j 2").status, 0);
+  root.write("/L/notes.txt", "keep");
+  ToolRun r = run("mkdevice --lot 10 L");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("L: not empty"), std::string::npos) << r.err;
+  r = run("mkdevice --lot 10 L --force");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("removed 13 entries"), std::string::npos) << r.out;
+  EXPECT_FALSE(std::filesystem::exists(dir + "/L/panel-0011"));
+  EXPECT_TRUE(std::filesystem::exists(dir + "/L/notes.txt"));
 }
 
 }  // namespace

@@ -50,11 +50,6 @@ bool PropertyFile::load(const std::string& hostPath, std::string& error) {
   return true;
 }
 
-int PropertyFile::intOr(const std::string& key, int def) const {
-  auto it = mEntries.find(key);
-  return it == mEntries.end() ? def : postblend::propertyInt(it->second);
-}
-
 uint32_t PropertyFile::panelOf(const std::string& name) const {
   for (const auto& [n, panel] : mNames)
     if (n == name) return panel;

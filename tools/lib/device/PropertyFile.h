@@ -19,8 +19,6 @@ class PropertyFile {
   bool load(const std::string& hostPath, std::string& error);
 
   bool has(const std::string& key) const { return mEntries.count(key) != 0; }
-  // The value read as the plugin reads it, or `def` when the key is missing.
-  int intOr(const std::string& key, int def) const;
   // The switches as the plugin reads them at Init.
   postblend::PanelSwitches switches() const { return postblend::panelSwitches(mEntries); }
   // Display names with their panel index, in file order.

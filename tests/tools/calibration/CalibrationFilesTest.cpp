@@ -1,14 +1,60 @@
-#include "tools/lib/calibration/Plausibility.h"
-
+// The panel's calibration inputs: optical data written from measurements, and data no panel or
+// target can be refused by field.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <functional>
+#include <sstream>
 #include <string>
 
+#include "frontend/OdfReader.h"
+#include "tests/tools/WorkbenchFixtures.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/calibration/Plausibility.h"
 #include "tools/lib/device/SyntheticDevice.h"
 
 namespace {
+
+TEST(OdfWriter, TextBecomesAnImageThePluginReadsBack) {
+  std::ifstream in(pctest::dataPath("panel-readings.txt"));
+  pctool::OdfValues v;
+  std::string error;
+  ASSERT_TRUE(pctool::parseOdfText(in, "m.txt", &v, &error)) << error;
+  const pctool::OdfImage img = pctool::encodeOdf(v);
+  postblend::PanelCorvaneBase::OpticalDataFile back{};
+  ASSERT_TRUE(postblend::readOdf(img.data(), img.size(), back).crcOk());
+  // Each item at the place the plugin reads it from.
+  const struct {
+    int at;
+    float value;
+  } places[] = {{106, 40.1f}, {84, 10.0f}, {118, 18.0f}, {5, 98.5f}, {47, 1.1f}, {0, 7.5f}};
+  for (const auto& p : places) EXPECT_EQ(back.values[p.at], p.value) << p.at;
+}
+
+TEST(OdfWriter, MalformedTextNamesFileAndLine) {
+  const std::string fine = "red 1 2 3\ngreen 1 2 3\nblue 1 2 3\nwhite 1 2 3\n";
+  const struct {
+    std::string text, message;
+  } cases[] = {
+      {"purple 1 2 3\n", "m.txt:1: unknown item 'purple'"},
+      {"red 1 2\n", "m.txt:1: 'red' needs X Y Z"},
+      {"red 1 2 3\nred 1 2 3\n", "m.txt:2: 'red' given twice"},
+      {"\nred 1 nan 3\n", "m.txt:2: 'nan' is not a finite number"},
+      {"grey 100 3\n", "m.txt:1: grey level must be one of 3584 3072 2560 2048 1536 1024 512"},
+      {"value 127 1\n", "m.txt:1: 'value' needs INDEX (0..126) NUMBER"},
+      {std::string(2000, ' ') + "\n", "m.txt:1: line longer than 1024 characters"},
+      {"red 1 2 3\n", "m.txt: missing 'green'"},
+      {fine, "m.txt: missing grey level 3584"},
+  };
+  for (const auto& c : cases) {
+    std::istringstream in(c.text);
+    pctool::OdfValues v;
+    std::string error;
+    EXPECT_FALSE(pctool::parseOdfText(in, "m.txt", &v, &error));
+    EXPECT_EQ(error, c.message);
+  }
+}
 
 pctool::OdfValues sampleOdf(unsigned seed = 1, bool low = false) {
   pctool::OdfValues v;
@@ -24,36 +70,28 @@ pctool::TargetParm sampleTarget(int mode) {
   return t;
 }
 
-// The field and the start of the line of the first finding.
-std::string first(const std::vector<pctool::Finding>& f) { return f.empty() ? "" : f[0].line(); }
-
+// No false alarm on plausible panels and targets.
 TEST(Plausibility, SyntheticPanelsAndTargetsRaiseNothing) {
   for (unsigned seed = 1; seed <= 6; ++seed)
-    for (bool low : {false, true}) EXPECT_EQ(first(pctool::checkOpticalData(sampleOdf(seed, low).v)), "") << seed;
-  for (int mode = 0; mode < 4; ++mode) EXPECT_EQ(first(pctool::checkTarget(sampleTarget(mode), 20)), "") << mode;
+    for (bool low : {false, true}) EXPECT_TRUE(pctool::checkOpticalData(sampleOdf(seed, low).v).empty()) << seed;
+  for (int mode = 0; mode < 4; ++mode) EXPECT_TRUE(pctool::checkTarget(sampleTarget(mode), 20).empty()) << mode;
 }
 
 TEST(Plausibility, ImpossibleOpticalDataIsRefusedByField) {
-  struct Case {
+  using pctool::kOdfGreenAt;
+  const struct {
     const char* what;
     std::function<void(float*)> spoil;
-    std::string line;  // start of the first finding
+    std::string line;  // start of the first refusal
   } cases[] = {
       {"zero white", [](float* v) { v[pctool::kOdfWhiteAt + 1] = 0; }, "impossible: white Y: luminance 0"},
       {"nan red", [](float* v) { v[pctool::kOdfRedAt] = NAN; }, "impossible: red XYZ: not a finite number"},
       {"negative blue", [](float* v) { v[pctool::kOdfBlueAt + 2] = -1; }, "impossible: blue XYZ: negative"},
-      {"green outside the locus",
-       [](float* v) {
-         v[pctool::kOdfGreenAt] = 0.0f, v[pctool::kOdfGreenAt + 1] = 300, v[pctool::kOdfGreenAt + 2] = 0.0f;
-       },
+      {"green outside the locus", [](float* v) { v[kOdfGreenAt] = 0, v[kOdfGreenAt + 1] = 300, v[kOdfGreenAt + 2] = 0; },
        "impossible: green x y: x 0.0000 y 1.0000 lies outside the spectral locus"},
-      {"green on red",
-       [](float* v) {
-         for (int k = 0; k < 3; ++k) v[pctool::kOdfGreenAt + k] = v[pctool::kOdfRedAt + k];
-       },
+      {"green on red", [](float* v) { std::copy(v + pctool::kOdfRedAt, v + pctool::kOdfRedAt + 3, v + kOdfGreenAt); },
        "impossible: red and green: coincide"},
-      {"grey ramp falls",
-       [](float* v) { v[pctool::odfGreyYAt(3)] = v[pctool::odfGreyYAt(4)] / 2; },
+      {"grey ramp falls", [](float* v) { v[pctool::odfGreyYAt(3)] = v[pctool::odfGreyYAt(4)] / 2; },
        "impossible: grey 2048 Y: "},
       {"grey above white", [](float* v) { v[pctool::odfGreyYAt(0)] = 1e4f; }, "impossible: grey 3584 Y: "},
   };
@@ -67,9 +105,9 @@ TEST(Plausibility, ImpossibleOpticalDataIsRefusedByField) {
 }
 
 TEST(Plausibility, TargetsThatCannotBeAreRefusedAndOddOnesWarned) {
-  struct Case {
+  const struct {
     const char* what;
-    int at;
+    int at;  // 0: red moved onto green
     float value;
     bool refused;
     std::string line;

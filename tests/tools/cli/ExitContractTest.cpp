@@ -1,0 +1,174 @@
+// Every command's exit status and one-line reason, as an engineer meets them: 0 done, 1 an
+// unusable input or a failed job (the file and the fault named, nothing half written), 2 bad
+// usage. One row per fault.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <utility>
+
+#include "tests/tools/ToolRunner.h"
+#include "tests/tools/WorkbenchFixtures.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/device/SyntheticDevice.h"
+#include "tools/lib/report/Report.h"
+#include "tools/lib/tables/CubeFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class ExitContract : public pctest::ToolRunner {
+ protected:
+  // The inputs the rows name, in the test's folder.
+  void writeInputs() {
+    std::string err;
+    const auto identity = pctest::identityTables(1);
+    ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/t.cube", identity[0], "t", err)) << err;
+    std::string big = "LUT_3D_SIZE 33\n";
+    for (int i = 0; i < 33 * 33 * 33; ++i)
+      big += std::to_string(i % 33 / 32.0) + " " + std::to_string(i / 33 % 33 / 32.0) + " " +
+             std::to_string(i / 1089 / 32.0) + "\n";
+    root.write("/big.cube", big);
+    root.write("/huge.cube", "LUT_3D_SIZE 129\n");
+    root.write("/bad.cube", "LUT_3D_SIZE 17\n0.1 0.2\n");
+    root.write("/blue-fastest.txt", pctest::lutText(identity[0], true));
+    root.write("/x.odf", std::string(510, '\x01'));
+    root.write("/c.csv", "r,g,b\n10,20,30\n");
+    root.write("/bad.csv", "10,20\n");
+    root.write("/not.png", "no picture here");
+    root.write("/bad.ti3", "CTI3\nBEGIN_DATA_FORMAT\nRGB_R RGB_G RGB_B XYZ_X XYZ_Y XYZ_Z\nEND_DATA_FORMAT\nBEGIN_DATA\n1 2\n");
+    root.write("/srgb.txt", "0.64 0.33 0.30 0.60 0.15 0.06 0.3127 0.3290 0.454545\n");
+    root.write("/redgreen.txt", "0.265 0.69 0.265 0.69 0.15 0.06 0.3127 0.329 0.4545\n");
+    root.write("/exp45.txt", "0.68 0.32 0.265 0.69 0.15 0.06 0.3127 0.329 45.2\n");
+    std::string readings = slurp(pctest::dataPath("panel-readings.txt"));
+    root.write("/m.txt", readings);
+    root.write("/zero.txt", readings.replace(readings.find("white 88.1 98.5"), 15, "white 88.1 0"));
+    pctool::OdfValues v;
+    pctool::placeMeasurements(pctool::syntheticMeasurements(1, 0, 1, false, false), &v);
+    std::fill(v.v + pctool::kOdfWhiteAt, v.v + pctool::kOdfWhiteAt + 3, 0.0f);  // a panel without white
+    ASSERT_TRUE(pctool::writeOdfFile(dir + "/zero.odf", v, &err)) << err;
+    root.write("/session.txt", "init primary\ninit secondary\nwait-tables primary\nwait-tables secondary\n");
+    root.write("/plain", "x");
+    fs::create_directories(dir + "/empty");
+    fs::create_directories(dir + "/notatree/sub");
+    for (const char* cmd : {"mkdevice D", "mkdevice Broken --no-local", "mkdevice --lot 3 L", "odf write good.odf m.txt"})
+      ASSERT_EQ(run(cmd).status, 0) << cmd;
+    fs::remove(dir + "/Broken/odm/etc/PanelCorvane/PanelCorvane_primary_2_max.odf");
+  }
+};
+
+TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
+  if (!haveTool()) GTEST_SKIP() << "panelcorvane not built at " << tool;
+  ASSERT_NO_FATAL_FAILURE(writeInputs());
+  const bool cairo = pctool::reportSupported();
+  const std::string order = "blue-fastest.txt: entries out of order: entry 1 (line 2) has inputs 0 0 256, expected 256";
+  struct Row {
+    Row(std::string a, int st, std::string s, std::string never = "", bool cairo = false)
+        : args(std::move(a)), status(st), says(std::move(s)), neverMade(std::move(never)), needsCairo(cairo) {}
+    std::string args;
+    int status;
+    std::string says;       // part of stderr, or of either output on success
+    std::string neverMade;  // a file the command must not leave behind
+    bool needsCairo;
+  };
+  const Row rows[] = {
+      // Files that are no files, or missing.
+      {"inspect D", 1, "inspect: D: is a folder, not a file"},
+      {"export D o.cube", 1, "export: D: is a folder, not a file", "o.cube"},
+      {"odf print D", 1, "odf: D: is a folder, not a file"},
+      {"diff t.cube missing.cube", 1, "diff: missing.cube: no such file\n"},
+      {"odf write y.odf --ti3 missing.ti3", 1, "odf: missing.ti3: no such file\n", "y.odf"},
+      // Malformed inputs name their line.
+      {"export bad.cube o.txt", 1, "export: bad.cube: line 2 malformed\n", "o.txt"},
+      {"inspect huge.cube", 1, "inspect: huge.cube: line 1 unsupported: LUT_3D_SIZE 129 (2..65)\n"},
+      {"apply t.cube bad.csv out.csv", 1, "apply: bad.csv: line 1 malformed: want three values r,g,b\n", "out.csv"},
+      {"apply t.cube not.png out.png", 1, "apply: not.png: ", "out.png"},
+      {"odf write y.odf --ti3 bad.ti3", 1, "odf: bad.ti3:6: row has 2 values, the data format names 6 fields\n", "y.odf"},
+      {"export blue-fastest.txt o.cube", 1, order, "o.cube"},
+      {"verify blue-fastest.txt", 1, order},
+      {"inspect blue-fastest.txt", 1, order},
+      // Data no panel or target can be: refused, never a "nan" in the answer.
+      {"inspect x.odf", 1, "inspect: x.odf: CRC mismatch: stored 0x0101, computed "},
+      {"report --odf x.odf -o p.png", 1, "report: x.odf: CRC mismatch", "p.png", true},
+      {"odf print zero.odf", 1, "zero.odf: impossible: white Y: luminance 0: nothing was measured"},
+      {"inspect zero.odf", 1, "zero.odf: impossible: white Y: luminance 0"},
+      {"odf write z.odf zero.txt", 1, "zero.txt: impossible: white Y: luminance 0", "z.odf"},
+      {"verify t.cube --odf good.odf --target redgreen.txt", 1, "redgreen.txt: impossible: red and green: coincide"},
+      {"inspect exp45.txt", 1, "exp45.txt: impossible: exponent parameter (value 9): 45.2 decodes with power 0.02212"},
+      {"verify t.cube --odf zero.odf --target exp45.txt", 1, "zero.odf: impossible: white Y"},
+      // Outputs that cannot be written.
+      {"odf write /dev/full m.txt", 1, "/dev/full: cannot write: No space left on device"},
+      {"export t.cube /dev/full", 1, "/dev/full: cannot write: No space left on device"},
+      {"report --odf good.odf -o /dev/full", 1, "/dev/full: cannot write: No space left on device", "", true},
+      {"apply t.cube c.csv no/such/folder/out.csv", 1, "apply: no/such/folder/out.csv: "},
+      {"odf patches --ti1 no/such/folder/x.ti1", 1, "no/such/folder/x.ti1: cannot create"},
+      {"verify --lot L --csv plain/x.csv", 1, "plain/x.csv: "},
+      // Device trees and lots that are none.
+      {"simulate --device D --out O --session session.txt --primary Foo", 1,
+       "O/device/odm/etc/PanelCorvane/panelcorvane: does not map the display name 'Foo' (it maps: "
+       "PanelCorvane_primary, PanelCorvane_secondary)"},
+      {"simulate --device Broken --out B --session session.txt", 1, "PanelCorvane_primary: the tables never became ready"},
+      {"simulate --device D --out plain/sub --session session.txt", 1, "plain/sub: output folder: cannot create the folder"},
+      {"simulate --device D --out O --session D", 1, "simulate: D: is a folder, not a file"},
+      {"mkdevice plain", 1, "mkdevice: plain: not a folder"},
+      {"mkdevice --lot 5 plain", 1, "plain: not a folder"},
+      {"verify --lot empty", 1, "empty: no device tree in it"},
+      {"verify --lot notatree", 1, "notatree: no device tree in it"},
+      {"verify --lot missing", 1, "missing: no such folder"},
+      {"verify --lot plain", 1, "plain: not a folder"},
+      // Bad usage.
+      {"simulate --device D --out O --session", 2, "--session needs a value"},
+      {"verify t.cube --bogus", 2, "unknown option --bogus"},
+      {"verify t.cube --odf x.odf", 2, "verify: --odf and --target go together\n"},
+      {"verify t.cube --measured m.txt", 2, "verify: --measured needs --odf and --target\n"},
+      {"verify t.cube --png page.png", 2, "", "page.png"},
+      {"verify --patches-ti1", 2, ""},
+      {"odf patches odf.ti1", 2, ""},
+      {"export only-one-argument", 2, "export: needs INPUT and OUTPUT\n"},
+      {"apply t.cube c.csv out.png", 2, ""},
+      {"apply t.cube c.txt out.txt", 2, ""},
+      {"apply t.cube c.csv out.csv --interp cubic", 2, ""},
+      {"apply t.cube c.csv out.csv --grid odd", 2, ""},
+      {"diff t.cube", 2, ""},
+      {"diff t.cube t.cube --tolerance -1", 2, ""},
+      {"diff t.cube t.cube --table 9", 2, ""},
+      {"mkdevice", 2, "DIR missing"},
+      {"mkdevice --lot 0 M", 2, "--lot wants a panel count"},
+      {"mkdevice --lot many M", 2, "--lot wants a panel count"},
+      {"mkdevice --lot 100001 M", 2, "--lot wants a panel count"},
+      {"mkdevice --lot 5", 2, "DIR missing"},
+      {"mkdevice --lot 5 M --tables 6", 2, "unknown option --tables"},
+      {"mkdevice --lot 5 M -j 0", 2, "-j wants"},
+      {"verify --lot", 2, "needs at least one DIR"},
+      {"verify --lot L --max-de abc", 2, "--max-de wants"},
+      {"verify --lot L --max-de -1", 2, "--max-de wants"},
+      {"verify --lot L -j 0", 2, "-j wants"},
+      {"verify --lot L --bogus", 2, "unknown option --bogus"},
+      // Done, with what an engineer must hear.
+      {"apply t.cube c.csv out.csv --interp trilinear", 0, "wrote out.csv: 1 colours (8-bit values)"},
+      {"inspect big.cube", 0, "note: resampled from 33 nodes (tetrahedral)\n"},
+      {"export big.cube hook.txt", 0, "export: big.cube: note: resampled from 33 nodes (tetrahedral)\n"},
+      {"report D -o new/pages", 0, "report-PanelCorvane_secondary.png", "", true},
+  };
+  for (const auto& row : rows) {
+    if (row.needsCairo && !cairo) continue;
+    const pctest::ToolRun r = run(row.args);
+    EXPECT_EQ(r.status, row.status) << row.args << "\n" << r.err;
+    EXPECT_NE((r.status == 0 ? r.out + r.err : r.err).find(row.says), std::string::npos) << row.args << "\n" << r.err;
+    EXPECT_EQ(r.out.find(" nan"), std::string::npos) << row.args;
+    EXPECT_EQ(r.out.find(" inf"), std::string::npos) << row.args;
+    EXPECT_TRUE(row.neverMade.empty() || !fs::exists(dir + "/" + row.neverMade)) << row.args;
+  }
+  // Every command's help says the contract; standard output on a full disk fails the command.
+  for (const char* cmd : {"simulate", "mkdevice", "odf", "inspect", "export", "verify", "report", "diff", "apply"}) {
+    const pctest::ToolRun r = run(std::string(cmd) + " --help");
+    EXPECT_EQ(r.status, 0) << cmd;
+    EXPECT_NE(r.out.find("exit status (the same for every command):\n  0  done"), std::string::npos) << cmd;
+  }
+  const int rc = std::system(("'" + tool + "' inspect '" + dir + "/t.cube' > /dev/full 2> /dev/null").c_str());
+  EXPECT_EQ(WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, 1);
+}
+
+}  // namespace
