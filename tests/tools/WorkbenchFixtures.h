@@ -12,11 +12,9 @@ namespace pctest {
 
 // `n` identity tables, table k with lut3d_id k.
 std::vector<postblend::lut3d_info> identityTables(size_t n);
-// Outputs that lean on the other channels, plus node noise: an axis swap or a wrong
-// tetrahedron shows.
+// Outputs leaning on the other channels, plus noise: an axis swap or a wrong tetrahedron shows.
 std::unique_ptr<postblend::lut3d_info> mixingTable();
-// A table cache as the plugin writes it: the tables, source, panelId, paramVersion and the
-// checksum, plus `sumError`.
+// A table cache as the plugin writes it, its checksum off by `sumError`.
 std::string cacheImage(const std::vector<postblend::lut3d_info>& tables, uint32_t source, uint32_t panelId,
                        uint32_t paramVersion, uint32_t sumError = 0);
 // A table as LUT text, one entry per line; `blueFastest` lists the entries in the wrong order.

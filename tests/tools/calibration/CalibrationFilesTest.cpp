@@ -1,5 +1,4 @@
-// The panel's calibration inputs: optical data written from measurements, and data no panel or
-// target can be refused by field.
+// Optical data written from measurements; data no panel or target can be, refused by field.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,7 +16,7 @@
 namespace {
 
 TEST(OdfWriter, TextBecomesAnImageThePluginReadsBack) {
-  std::ifstream in(pctest::dataPath("panel-readings.txt"));
+  std::ifstream in(pctest::dataPath("inputs/m.txt"));
   pctool::OdfValues v;
   std::string error;
   ASSERT_TRUE(pctool::parseOdfText(in, "m.txt", &v, &error)) << error;
@@ -25,18 +24,13 @@ TEST(OdfWriter, TextBecomesAnImageThePluginReadsBack) {
   postblend::PanelCorvaneBase::OpticalDataFile back{};
   ASSERT_TRUE(postblend::readOdf(img.data(), img.size(), back).crcOk());
   // Each item at the place the plugin reads it from.
-  const struct {
-    int at;
-    float value;
-  } places[] = {{106, 40.1f}, {84, 10.0f}, {118, 18.0f}, {5, 98.5f}, {47, 1.1f}, {0, 7.5f}};
-  for (const auto& p : places) EXPECT_EQ(back.values[p.at], p.value) << p.at;
+  const std::pair<int, float> places[] = {{106, 40.1f}, {84, 10.0f}, {118, 18.0f}, {5, 98.5f}, {47, 1.1f}, {0, 7.5f}};
+  for (const auto& [at, value] : places) EXPECT_EQ(back.values[at], value) << at;
 }
 
 TEST(OdfWriter, MalformedTextNamesFileAndLine) {
   const std::string fine = "red 1 2 3\ngreen 1 2 3\nblue 1 2 3\nwhite 1 2 3\n";
-  const struct {
-    std::string text, message;
-  } cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {"purple 1 2 3\n", "m.txt:1: unknown item 'purple'"},
       {"red 1 2\n", "m.txt:1: 'red' needs X Y Z"},
       {"red 1 2 3\nred 1 2 3\n", "m.txt:2: 'red' given twice"},
@@ -47,12 +41,12 @@ TEST(OdfWriter, MalformedTextNamesFileAndLine) {
       {"red 1 2 3\n", "m.txt: missing 'green'"},
       {fine, "m.txt: missing grey level 3584"},
   };
-  for (const auto& c : cases) {
-    std::istringstream in(c.text);
+  for (const auto& [text, message] : cases) {
+    std::istringstream in(text);
     pctool::OdfValues v;
     std::string error;
     EXPECT_FALSE(pctool::parseOdfText(in, "m.txt", &v, &error));
-    EXPECT_EQ(error, c.message);
+    EXPECT_EQ(error, message);
   }
 }
 

@@ -1,8 +1,7 @@
-// A device tree as the workbench reads and writes it: the property file, the synthetic trees'
-// identity stamps, and what a file found on a device is.
+// A device tree's property file, the synthetic trees' identity stamps, what a file on it is.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 
 #include "backend/PanelCorvaneBE.h"
 #include "tests/support/TestSupport.h"
@@ -12,6 +11,9 @@
 #include "tools/lib/device/SyntheticDevice.h"
 
 namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 TEST(PropertyFile, DisplayNamesAndTheirPanelsAsThePluginReadsThem) {
   pctest::TempRoot root;
@@ -29,8 +31,7 @@ TEST(PropertyFile, DisplayNamesAndTheirPanelsAsThePluginReadsThem) {
   EXPECT_EQ(err, "is a folder, not a file");
 }
 
-// The stamps mkdevice writes beside the data are the ones the plugin's identity check reads
-// from the serial numbers it writes for the driver.
+// mkdevice's stamps are what the plugin's identity check reads from the serials it writes.
 TEST(SyntheticDevice, SerialNumbersCarryTheStampThePluginReads) {
   // Fields year 9, month 3, day 7, hour 8, minute 5, second 9, tenths 12.
   const std::string serial = std::string(25, 'Z') + "90307080509000C";
@@ -39,12 +40,11 @@ TEST(SyntheticDevice, SerialNumbersCarryTheStampThePluginReads) {
   pctest::LogCapture quiet;
   postblend::PanelCorvaneBE backend(nullptr);
   for (unsigned seed : {1u, 2u, 77u}) {
-    char sn[257] = {}, stamp[257] = {};
     const std::string s = pctool::syntheticSerial(seed, 1);
     ASSERT_EQ(s.size(), 40u);
-    std::strcpy(sn, s.c_str());
-    std::strcpy(stamp, (pctool::stampOfSerial(s) + "\n").c_str());
-    EXPECT_TRUE(backend.transferAndCmp(sn, stamp)) << s;
+    std::string sn = s, stamp = pctool::stampOfSerial(s) + "\n";
+    sn.resize(256), stamp.resize(256);  // the backend's text buffers
+    EXPECT_TRUE(backend.transferAndCmp(sn.data(), stamp.data())) << s;
   }
   EXPECT_NE(pctool::syntheticSerial(1, 0), pctool::syntheticSerial(1, 1));
 }
@@ -55,10 +55,10 @@ TEST(FileInfo, InspectTellsTheFwVersionAndTheChecksumVerdict) {
   root.write("/cofc.fw", pctest::cacheImage(pctest::identityTables(6), 2, 0, 1, 0x10));
   std::string text, err;
   EXPECT_FALSE(pctool::inspectFile(root.host("/cofc.fw"), text, err));
-  EXPECT_EQ(err.rfind("checksum mismatch: stored 0x", 0), 0u) << err;
-  EXPECT_NE(text.find("needs FWVersion=707584"), std::string::npos) << text;
-  EXPECT_NE(text.find("source 2 (panel matched but golden data used; never accepted on reload)"), std::string::npos);
-  EXPECT_NE(text.find("largest move from the input 0 codes (identity)"), std::string::npos);
+  EXPECT_THAT(err, StartsWith("checksum mismatch: stored 0x"));
+  EXPECT_THAT(text, HasSubstr("needs FWVersion=707584"));
+  EXPECT_THAT(text, HasSubstr("source 2 (panel matched but golden data used; never accepted on reload)"));
+  EXPECT_THAT(text, HasSubstr("largest move from the input 0 codes (identity)"));
 }
 
 }  // namespace

@@ -7,8 +7,7 @@
 
 namespace {
 
-// session.log: two panels' jobs interleaved as two workers log them, then a regeneration on
-// another thread.
+// session.log: two panels' jobs interleaved by two workers, then a regeneration elsewhere.
 TEST(TableJobLog, JobsAreToldApartByThreadAndNamedByTheirPanel) {
   std::vector<pctool::PluginLogLine> lines;
   std::string err;

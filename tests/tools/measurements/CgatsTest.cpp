@@ -14,10 +14,11 @@ namespace {
 
 using pctool::CgatsFile;
 
-bool parse(const std::string& text, CgatsFile* f, std::string* err) { return pctool::parseCgats(text, "m.ti3", f, err); }
+bool parse(const std::string& text, CgatsFile* f, std::string* err) {
+  return pctool::parseCgats(text, "m.ti3", f, err);
+}
 
-// dispread.ti3: an absolute measurement as dispread writes it (a padded identifier, a comment,
-// blanks after the last field name), with a calibration table after it.
+// dispread.ti3: absolute readings as dispread writes them, then a calibration table.
 CgatsFile dispread() {
   CgatsFile f;
   std::string err;
@@ -45,8 +46,7 @@ TEST(Cgats, ReadsAnArgyllFileWithSeveralTables) {
   // Quoted values keep their blanks; field names may share the format's lines.
   CgatsFile q;
   std::string err;
-  ASSERT_TRUE(parse("BEGIN_DATA_FORMAT SAMPLE_NAME X END_DATA_FORMAT\nBEGIN_DATA\n\"A 1\" 2 # note\nEND_DATA\n", &q, &err))
-      << err;
+  ASSERT_TRUE(parse("BEGIN_DATA_FORMAT SAMPLE_NAME X END_DATA_FORMAT\nBEGIN_DATA\n\"A 1\" 2 # note\nEND_DATA\n", &q, &err));
   EXPECT_EQ(q.tables[0].identifier, "");
   EXPECT_EQ(q.tables[0].rows.at(0).at(0), "A 1");
 }

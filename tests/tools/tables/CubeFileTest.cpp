@@ -1,9 +1,9 @@
-// .cube tables in and out, of any size: the device's 17 nodes carry over node for node, any other
-// size is resampled onto them.
+// .cube tables of any size read onto the device's 17 nodes.
 #include "tools/lib/tables/CubeFile.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -14,22 +14,19 @@
 #include "tests/support/TestSupport.h"
 #include "tests/tools/WorkbenchFixtures.h"
 #include "tools/lib/tables/DeviceGrid.h"
-#include "tools/lib/tables/TableSource.h"
 
 using pctool::Interp;
 using postblend::lut3d_info;
 
 namespace {
 
-struct Rgb3 {
-  double v[3];
-};
+using Rgb3 = std::array<double, 3>;
 using Fn = std::function<Rgb3(double, double, double)>;
 
 // Curved per channel and leaning on the other two, as a gamut mapping is.
 Rgb3 smooth(double r, double g, double b) {
-  return {{0.02 + 0.85 * std::pow(r, 1.1) + 0.08 * g * b, 0.9 * g + 0.06 * std::sin(2 * r) + 0.03 * b,
-           0.05 + 0.7 * b * b + 0.2 * b + 0.03 * r * g}};
+  return {0.02 + 0.85 * std::pow(r, 1.1) + 0.08 * g * b, 0.9 * g + 0.06 * std::sin(2 * r) + 0.03 * b,
+          0.05 + 0.7 * b * b + 0.2 * b + 0.03 * r * g};
 }
 
 std::string cube3d(int n, const Fn& f) {
@@ -39,7 +36,7 @@ std::string cube3d(int n, const Fn& f) {
     for (int g = 0; g < n; ++g)
       for (int r = 0; r < n; ++r) {
         const Rgb3 o = f(r / double(n - 1), g / double(n - 1), b / double(n - 1));
-        std::snprintf(buf, sizeof buf, "%.9f %.9f %.9f\n", o.v[0], o.v[1], o.v[2]);
+        std::snprintf(buf, sizeof buf, "%.9f %.9f %.9f\n", o[0], o[1], o[2]);
         s += buf;
       }
   return s;
@@ -51,17 +48,23 @@ std::string rows(const std::string& header, size_t n, const std::string& row = "
   return s;
 }
 
-bool parse(const std::string& text, lut3d_info& lut, pctool::CubeReadInfo& info, std::string& err,
-           Interp interp = Interp::Tetrahedral) {
+struct Parsed {
+  std::unique_ptr<lut3d_info> lut = std::make_unique<lut3d_info>();
+  pctool::CubeReadInfo info;
+  std::string err;
+  bool ok = false;
+};
+
+Parsed parse(const std::string& text, Interp interp = Interp::Tetrahedral) {
+  Parsed p;
   std::istringstream is(text);
-  return pctool::CubeFile::parse(is, lut, 0, info, err, interp);
+  p.ok = pctool::CubeFile::parse(is, *p.lut, 0, p.info, p.err, interp);
+  return p;
 }
 
 TEST(CubeFile, MalformedFilesNameTheProblemAndTheLine) {
   const std::string head = "LUT_3D_SIZE 17\n";
-  const struct {
-    std::string text, error;
-  } cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {"# only a comment\n", "not a .cube table (no LUT_3D_SIZE or LUT_1D_SIZE line)"},
       {rows("TITLE \"x\"\nLUT_3D_SIZE 33\n", 3), "too short: 3 of 35937 table lines"},
       {"LUT_1D_SIZE 1024\n", "too short: 0 of 1024 table lines"},
@@ -88,119 +91,63 @@ TEST(CubeFile, MalformedFilesNameTheProblemAndTheLine) {
       {cube3d(3, smooth) + "0 0 0\n", "line 30 malformed: more than 27 table lines"},
       {"LUT_1D_SIZE 3\n0 0 0\n1 1 1\n", "too short: 2 of 3 table lines"},
   };
-  for (const auto& c : cases) {
-    auto lut = std::make_unique<lut3d_info>();
-    pctool::CubeReadInfo info;
-    std::string err;
-    EXPECT_FALSE(parse(c.text, *lut, info, err)) << c.error;
-    EXPECT_EQ(err, c.error);
+  for (const auto& [text, error] : cases) {
+    const Parsed p = parse(text);
+    EXPECT_FALSE(p.ok) << error;
+    EXPECT_EQ(p.err, error);
   }
 }
 
 TEST(CubeFile, ToleratesCommentsCarriageReturnsAndClampsOutOfRangeValues) {
   std::string text = "# made elsewhere\r\nTITLE \"g\"\r\n\r\nLUT_3D_SIZE 17\r\nDOMAIN_MIN 0 0 0\r\n  -0.01 1.2 0.5\r\n";
-  auto lut = std::make_unique<lut3d_info>();
-  pctool::CubeReadInfo info;
-  std::string err;
-  ASSERT_TRUE(parse(rows(text, 4912, "1 0 0.25"), *lut, info, err)) << err;
-  EXPECT_EQ(info.clamped, 2u);
-  EXPECT_EQ(lut->entries[0].out[0], 0u);
-  EXPECT_EQ(lut->entries[0].out[1], 4095u);
-  EXPECT_EQ(lut->entries[0].out[2], 2048u);  // 0.5 * 4095 rounds up
-  EXPECT_EQ(lut->entries[4912].out[2], 1024u);
+  const Parsed p = parse(rows(text, 4912, "1 0 0.25"));
+  ASSERT_TRUE(p.ok) << p.err;
+  EXPECT_EQ(p.info.clamped, 2u);
+  EXPECT_EQ(p.lut->entries[0].out[0], 0u);
+  EXPECT_EQ(p.lut->entries[0].out[1], 4095u);
+  EXPECT_EQ(p.lut->entries[0].out[2], 2048u);  // 0.5 * 4095 rounds up
+  EXPECT_EQ(p.lut->entries[4912].out[2], 1024u);
 }
 
-// Device node i sits at code / 4095 in the cube's domain, between the cube's nodes.
+// Device node i sits at code / 4095 in the cube's domain; a 17-node cube carries over as it is.
 TEST(CubeFile, OtherSizesAreResampledOntoTheDeviceNodes) {
   for (Interp interp : {Interp::Tetrahedral, Interp::Trilinear}) {
-    auto lut = std::make_unique<lut3d_info>();
-    pctool::CubeReadInfo info;
-    std::string err;
-    ASSERT_TRUE(parse(cube3d(33, smooth), *lut, info, err, interp)) << err;
-    EXPECT_EQ(info.note(), std::string("resampled from 33 nodes (") + pctool::interpName(interp) + ")");
-    // A 1/32 grid bends the curves by under a code.
-    double worst = 0;
-    for (const auto& e : lut->entries) {
+    const Parsed p = parse(cube3d(33, smooth), interp);
+    ASSERT_TRUE(p.ok) << p.err;
+    EXPECT_EQ(p.info.note(), std::string("resampled from 33 nodes (") + pctool::interpName(interp) + ")");
+    double worst = 0;  // a 1/32 grid bends the curves by under a code
+    for (const auto& e : p.lut->entries) {
       const Rgb3 want = smooth(e.in[0] / 4095.0, e.in[1] / 4095.0, e.in[2] / 4095.0);
-      for (int c = 0; c < 3; ++c) worst = std::max(worst, std::fabs(e.out[c] - want.v[c] * 4095.0));
+      for (int c = 0; c < 3; ++c) worst = std::max(worst, std::fabs(e.out[c] - want[c] * 4095.0));
     }
     EXPECT_LT(worst, 1.0) << pctool::interpName(interp);
   }
+  const Parsed own = parse(cube3d(17, smooth));
+  EXPECT_FALSE(own.info.resampled);
+  EXPECT_EQ(own.lut->entries[15].out[0], uint32_t(std::lround(smooth(15 / 16.0, 0, 0)[0] * 4095)));  // not code 3840
   // Linear cubes of any size give exact tables; a channel rotation shows a swapped axis.
   const auto identity = pctest::identityTables(1);
   for (int n : {2, 5, 65}) {
-    auto lut = std::make_unique<lut3d_info>();
-    pctool::CubeReadInfo info;
-    std::string err;
-    ASSERT_TRUE(parse(cube3d(n, [](double r, double g, double b) { return Rgb3{{r, g, b}}; }), *lut, info, err));
-    EXPECT_EQ(std::memcmp(lut.get(), &identity[0], sizeof(lut3d_info)), 0) << n;
+    const Parsed p = parse(cube3d(n, [](double r, double g, double b) { return Rgb3{r, g, b}; }));
+    EXPECT_EQ(std::memcmp(p.lut.get(), &identity[0], sizeof(lut3d_info)), 0) << n;
   }
-  auto lut = std::make_unique<lut3d_info>();
-  pctool::CubeReadInfo info;
-  std::string err;
-  ASSERT_TRUE(parse(cube3d(2, [](double r, double g, double b) { return Rgb3{{g, b, r}}; }), *lut, info, err));
-  for (const auto& e : lut->entries) {
+  const Parsed rotated = parse(cube3d(2, [](double r, double g, double b) { return Rgb3{g, b, r}; }));
+  for (const auto& e : rotated.lut->entries) {
     ASSERT_EQ(e.out[0], e.in[1]);
     ASSERT_EQ(e.out[1], e.in[2]);
     ASSERT_EQ(e.out[2], e.in[0]);
   }
-}
-
-TEST(CubeFile, A1DTableActsPerChannel) {
+  // A 1D table acts per channel.
   std::string text = "LUT_1D_SIZE 1024\nLUT_1D_INPUT_RANGE 0 1\n";
-  char buf[96];
   auto curve = [](double x, int c) { return std::pow(x, 1.0 + 0.3 * c); };
-  for (int i = 0; i < 1024; ++i) {
-    const double x = i / 1023.0;
-    std::snprintf(buf, sizeof buf, "%.8f %.8f %.8f\n", curve(x, 0), curve(x, 1), curve(x, 2));
-    text += buf;
-  }
-  auto lut = std::make_unique<lut3d_info>();
-  pctool::CubeReadInfo info;
-  std::string err;
-  ASSERT_TRUE(parse(text, *lut, info, err)) << err;
-  EXPECT_EQ(info.note(), "resampled from a 1D table of 1024 entries (linear)");
-  for (const auto& e : lut->entries)
+  for (int i = 0; i < 1024; ++i)
+    text += std::to_string(curve(i / 1023.0, 0)) + " " + std::to_string(curve(i / 1023.0, 1)) + " " +
+            std::to_string(curve(i / 1023.0, 2)) + "\n";
+  const Parsed one = parse(text);
+  ASSERT_TRUE(one.ok) << one.err;
+  EXPECT_EQ(one.info.note(), "resampled from a 1D table of 1024 entries (linear)");
+  for (const auto& e : one.lut->entries)
     for (int c = 0; c < 3; ++c) ASSERT_NEAR(e.out[c], curve(e.in[c] / 4095.0, c) * 4095.0, 1.0) << c;
-}
-
-TEST(CubeFile, TheLoaderNotesTheResamplingAndKeeps17NodeCubesNodeForNode) {
-  pctest::TempRoot dir;
-  dir.write("/big.cube", cube3d(33, smooth));
-  dir.write("/own.cube", cube3d(17, smooth));
-  std::vector<pctool::LoadedTable> t;
-  std::string err;
-  ASSERT_TRUE(pctool::loadTables(dir.path() + "/big.cube", t, err, Interp::Trilinear)) << err;
-  EXPECT_EQ(t[0].notes, std::vector<std::string>{"resampled from 33 nodes (trilinear)"});
-  ASSERT_TRUE(pctool::loadTables(dir.path() + "/own.cube", t, err)) << err;
-  EXPECT_TRUE(t[0].notes.empty());
-  // Level 15 is the cube's node 15, not the function at code 3840.
-  EXPECT_EQ(t[0].lut->entries[15].out[0], uint32_t(std::lround(smooth(15 / 16.0, 0, 0).v[0] * 4095)));
-}
-
-TEST(CubeFile, ReadsBackWhatOpenColorIOBakesFromOurTable) {
-  if (!pctest::haveProgram("ociobakelut")) GTEST_SKIP() << "ociobakelut (opencolorio-tools) not installed";
-  pctest::TempRoot dir;
-  auto source = std::make_unique<lut3d_info>();
-  pctool::setDeviceGrid(*source, 0);
-  for (auto& e : source->entries) {
-    const Rgb3 o = smooth(e.in[0] / 4095.0, e.in[1] / 4095.0, e.in[2] / 4095.0);
-    for (int c = 0; c < 3; ++c) e.out[c] = uint32_t(std::lround(o.v[c] * 4095));
-  }
-  std::string err;
-  ASSERT_TRUE(pctool::CubeFile::writeFile(dir.path() + "/ours.cube", *source, "ours", err)) << err;
-  const std::string cmd = "ociobakelut --lut '" + dir.path() + "/ours.cube' --format resolve_cube --cubesize 33 '" +
-                          dir.path() + "/baked.cube' > /dev/null 2>&1";
-  ASSERT_EQ(std::system(cmd.c_str()), 0) << cmd;
-  std::vector<pctool::LoadedTable> t;
-  ASSERT_TRUE(pctool::loadTables(dir.path() + "/baked.cube", t, err)) << err;
-  // Our .cube puts level 15 at 15/16 rather than code 3840: the bake samples that uniform grid,
-  // so its values at the device nodes are the source's between its own nodes, within codes.
-  int worst = 0;
-  for (uint32_t i = 0; i < pctool::kEntries; ++i)
-    for (int c = 0; c < 3; ++c)
-      worst = std::max(worst, std::abs(int(t[0].lut->entries[i].out[c]) - int(source->entries[i].out[c])));
-  EXPECT_LE(worst, 3);
 }
 
 }  // namespace

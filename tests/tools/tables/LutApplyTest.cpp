@@ -1,12 +1,11 @@
-// A table applied between its nodes, to colour lists and to PNG images, as hardware and grading
-// tools apply it.
+// A table applied between its nodes, to colour lists and PNG images.
 #include "tools/lib/tables/LutApply.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "tests/support/TestSupport.h"
 #include "tests/tools/ToolRunner.h"
@@ -28,13 +27,10 @@ TEST(LutApply, DeviceGridHitsNodesExactly) {
     const pctool::Rgb in{e.in[0] / 4095.0, e.in[1] / 4095.0, e.in[2] / 4095.0};
     for (auto interp : {Interp::Trilinear, Interp::Tetrahedral}) {
       const pctool::Rgb o = pctool::sampleLut(*lut, in, interp, NodeGrid::Device);
-      EXPECT_NEAR(o.r, e.out[0], 1e-9) << n;
-      EXPECT_NEAR(o.g, e.out[1], 1e-9) << n;
-      EXPECT_NEAR(o.b, e.out[2], 1e-9) << n;
+      EXPECT_NEAR(std::abs(o.r - e.out[0]) + std::abs(o.g - e.out[1]) + std::abs(o.b - e.out[2]), 0, 1e-9) << n;
     }
   }
-  // Along the grey axis tetrahedral interpolation is linear, half-way up the last (255-code)
-  // interval too; trilinear is not.
+  // On the grey axis tetrahedral is linear, up the last (255-code) interval too; trilinear not.
   const double m = (3840 + 127.5) / 4095.0;
   const pctool::Rgb t = pctool::sampleLut(*lut, {m, m, m}, Interp::Trilinear, NodeGrid::Device);
   const pctool::Rgb h = pctool::sampleLut(*lut, {m, m, m}, Interp::Tetrahedral, NodeGrid::Device);
@@ -109,10 +105,8 @@ TEST(PngImage, RefusesAnImageTooLargeToHoldBeforeReadingItsPixels) {
 
 class ApplyCommand : public pctest::ToolRunner {};
 
-// ffmpeg's lut3d filter on the same .cube is the reference for both interpolations on the
-// uniform grid, the PNG reading and writing and the alpha channel.
+// ffmpeg's lut3d on the same .cube: both interpolations, PNG in and out, the alpha channel.
 TEST_F(ApplyCommand, PngAgreesWithFfmpegLut3dAndKeepsAlpha) {
-  if (!haveTool()) GTEST_SKIP() << "panelcorvane not built at " << tool;
   if (!pctool::PngImage::available()) GTEST_SKIP() << "built without libpng: apply reads no PNG";
   if (!pctest::haveProgram("ffmpeg")) GTEST_SKIP() << "ffmpeg not installed: cannot cross-check apply";
   std::string err;

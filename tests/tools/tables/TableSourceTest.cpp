@@ -1,7 +1,7 @@
-// Any table file an engineer meets, recognised by its content and loaded with the plugin's
-// readers, or refused naming the fault.
+// Table files recognised, loaded with the plugin's readers or refused; two compared node by node.
 #include "tools/lib/tables/TableSource.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -9,10 +9,16 @@
 #include <vector>
 
 #include "tests/support/TestSupport.h"
+#include "tests/tools/ToolRunner.h"
 #include "tests/tools/WorkbenchFixtures.h"
 #include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/TableDiff.h"
 
 namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 class TableSource : public ::testing::Test {
  protected:
@@ -60,29 +66,12 @@ TEST_F(TableSource, LoadsCacheTablesAndRefusesDamage) {
   EXPECT_EQ(t[5].label, "cofc.fw table 5 of 8");
   EXPECT_EQ(t[5].lut->lut3d_id, 5u);
 
-  const std::string six = pctest::cacheImage(pctest::identityTables(6), 0, 0, 7);
-  const std::string bad = pctest::cacheImage(pctest::identityTables(6), 0, 0, 7, 1);
-  uint32_t stored;
-  std::memcpy(&stored, bad.data() + bad.size() - 4, 4);
-  char sums[96];
-  std::snprintf(sums, sizeof sums, "checksum mismatch: stored 0x%08x, computed 0x%08x", stored, stored - 1);
-  const struct {
-    std::string content;
-    int index;  // -1: every table
-    std::string error;
-  } cases[] = {
-      {bad, -1, sums},
-      {six.substr(1), -1, "wrong size: 707583 bytes; a table cache has 16 + N x 117928 bytes (707584 for 6 tables, "
-                          "943440 for 8)"},
-      {six, 6, "no table 6: the file holds 6"},
-  };
-  for (const auto& c : cases) {
-    pctool::LoadedTable one;
-    const bool ok = c.index < 0 ? pctool::loadTables(put("x.fw", c.content), t, err)
-                                : pctool::loadTable(put("x.fw", c.content), c.index, one, err);
-    EXPECT_FALSE(ok) << c.error;
-    EXPECT_EQ(err, c.error);
-  }
+  // A checksum the plugin would refuse refuses the file, whose tables inspect still shows.
+  EXPECT_FALSE(pctool::loadTables(put("bad.fw", pctest::cacheImage(pctest::identityTables(6), 0, 0, 7, 1)), t, err));
+  EXPECT_THAT(err, StartsWith("checksum mismatch: stored 0x"));
+  pctool::LoadedTable one;
+  EXPECT_FALSE(pctool::loadTable(put("six.fw", pctest::cacheImage(pctest::identityTables(6), 0, 0, 7)), 6, one, err));
+  EXPECT_EQ(err, "no table 6: the file holds 6");
 }
 
 TEST_F(TableSource, LutTextIsCheckedBeforeThePluginReaderRunsOverIt) {
@@ -94,25 +83,90 @@ TEST_F(TableSource, LutTextIsCheckedBeforeThePluginReaderRunsOverIt) {
   EXPECT_EQ(std::memcmp(t[0].lut.get(), lut.get(), sizeof *lut), 0);  // header as the plugin fills it
   EXPECT_EQ(t[0].notes, std::vector<std::string>{"2 numbers after the 29478th are ignored"});
 
-  std::string moved = text;
-  moved.replace(0, 1, "9");
-  const struct {
-    std::string content, error;
-  } cases[] = {
-      {"0 0 0 0 0 0\n1 1 1 1 1 1\n", "not a LUT: 12 of 29478 numbers"},
-      {"0 0 0 5000 0 0\n" + text, "line 1 malformed: 5000 is above 4095"},
+  // What the plugin's reader finds refuses the file: a bad token, or entries in another order.
+  const std::pair<std::string, std::string> cases[] = {
       {"0 0 0 0 0 0\n1 2 x3\n" + text, "line 2 malformed: 'x3' is not a 12-bit code"},
-      // The plugin takes entries in file order: inputs must be the device grid, red fastest.
-      {pctest::lutText(*lut, true),
-       "entries out of order: entry 1 (line 2) has inputs 0 0 256, expected 256 0 0 (red fastest: entry n = 289 b + "
-       "17 g + r); the file lists blue fastest"},
-      {moved, "entries out of order: entry 0 (line 1) has inputs 9 0 0, expected 0 0 0 (red fastest: entry n = 289 b "
-              "+ 17 g + r)"},
+      {pctest::lutText(*lut, true), "entries out of order: entry 1 (line 2) has inputs 0 0 256, expected 256 0 0 (red "
+                                    "fastest: entry n = 289 b + 17 g + r); the file lists blue fastest"},
   };
-  for (const auto& c : cases) {
-    EXPECT_FALSE(pctool::loadTables(put("bad.txt", c.content), t, err));
-    EXPECT_EQ(err, c.error);
+  for (const auto& [content, error] : cases) {
+    EXPECT_FALSE(pctool::loadTables(put("bad.txt", content), t, err));
+    EXPECT_EQ(err, error);
   }
+}
+
+TEST(TableDiff, CountsEveryChannelAndRanksTheWorstNodesByDe2000) {
+  auto t = pctest::identityTables(2);
+  const auto same = pctool::diffTables(t[0], t[1]);
+  EXPECT_EQ(same.maxAbs() + same.differingNodes + same.worst.size(), 0u);
+
+  t[1].entries[100].out[0] += 12;  // a dark node: a few codes move it far
+  t[1].entries[4912].out[2] -= 3;  // white: three codes are nothing
+  t[1].entries[4912].out[1] -= 1;
+  auto d = pctool::diffTables(t[0], t[1]);
+  EXPECT_EQ(d.channel[0].maxAbs, 12u);
+  EXPECT_EQ(d.channel[0].differing, 1u);
+  EXPECT_DOUBLE_EQ(d.channel[0].meanAbs, 12.0 / 4913);
+  EXPECT_EQ(d.channel[1].maxAbs, 1u);
+  EXPECT_EQ(d.channel[2].maxAbs, 3u);
+  EXPECT_EQ(d.differingNodes, 2u);
+  EXPECT_EQ(d.inputMismatches, 0u);
+  EXPECT_EQ(d.deP95, 0.0);
+  ASSERT_EQ(d.worst.size(), 2u);
+  EXPECT_EQ(d.worst[0].index, 100u);
+  EXPECT_EQ(d.worst[0].b[0], d.worst[0].a[0] + 12);
+  EXPECT_EQ(d.deMax, d.worst[0].de);
+  EXPECT_GT(d.worst[0].de, d.worst[1].de);
+  EXPECT_GT(d.worst[1].de, 0.0);
+
+  for (uint32_t i = 0; i < 40; ++i) t[1].entries[i * 97].out[1] ^= 64;
+  d = pctool::diffTables(t[0], t[1]);
+  ASSERT_EQ(d.worst.size(), 10u);
+  for (size_t i = 1; i < d.worst.size(); ++i) EXPECT_GE(d.worst[i - 1].de, d.worst[i].de);
+}
+
+TEST(TableDiff, CachesPairTableByTableAndADifferentCountIsADifference) {
+  pctest::TempRoot dir;
+  auto three = pctest::identityTables(3), two = pctest::identityTables(2);
+  three[1].entries[7].out[0] += 5;
+  dir.write("/a.fw", pctest::cacheImage(three, 0, 7, 1));
+  dir.write("/b.fw", pctest::cacheImage(two, 0, 7, 1));
+  std::string err;
+  ASSERT_TRUE(pctool::CubeFile::writeFile(dir.path() + "/one.cube", two[0], "one", err)) << err;
+
+  pctool::DiffReport r;
+  ASSERT_TRUE(pctool::diffFiles(dir.path() + "/a.fw", dir.path() + "/b.fw", -1, 5, r, err)) << err;
+  EXPECT_EQ(r.tables.size(), 2u);
+  EXPECT_FALSE(r.withinTolerance()) << "5 codes are within the tolerance, the table counts are not";
+  EXPECT_EQ(r.verdict(), dir.path() + "/a.fw vs " + dir.path() + "/b.fw: table counts differ (3 against 2)");
+
+  // One table of each: the cache's table 1 against the .cube's only table.
+  ASSERT_TRUE(pctool::diffFiles(dir.path() + "/a.fw", dir.path() + "/one.cube", 1, 4, r, err)) << err;
+  ASSERT_EQ(r.tables.size(), 1u);
+  EXPECT_EQ(r.tables[0].labelA, "a.fw table 1 of 3");
+  EXPECT_THAT(r.verdict(), HasSubstr("1 of 1 table differs by up to 5 codes (tolerance 4)"));
+
+  EXPECT_FALSE(pctool::diffFiles(dir.path() + "/b.fw", dir.path() + "/a.fw", 2, 0, r, err));
+  EXPECT_EQ(err, dir.path() + "/b.fw: no table 2: the file holds 2");
+}
+
+class DiffCommand : public pctest::ToolRunner {};
+
+TEST_F(DiffCommand, ExitStatusFollowsTheToleranceAndJsonCarriesTheFigures) {
+  auto t = pctest::identityTables(2);
+  t[1].entries[2000].out[1] += 9;
+  std::string err;
+  ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/a.cube", t[0], "a", err)) << err;
+  ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/b.cube", t[1], "b", err)) << err;
+  auto r = run("diff a.cube b.cube");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "panelcorvane diff: a.cube vs b.cube: 1 of 1 table differs by up to 9 codes (tolerance 0)\n");
+  EXPECT_THAT(r.out, HasSubstr("entry 2000 (11,15,6)"));
+  r = run("diff a.cube b.cube --tolerance 9 --json");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_THAT(r.out, HasSubstr("\"max_abs\":9,\"within_tolerance\":true"));
+  EXPECT_THAT(r.out, HasSubstr("\"index\":2000,\"in\":[2816,3840,1536],\"a\":[2816,3840,1536],\"b\":[2816,3849,"));
+  EXPECT_EQ(run("diff a.cube a.cube").status, 0);
 }
 
 }  // namespace
