@@ -47,7 +47,6 @@ class ExitContract : public pctest::ToolRunner {
     pctool::placeMeasurements(pctool::syntheticMeasurements(1, 0, 1, false, false), &v);
     std::fill(v.v + pctool::kOdfWhiteAt, v.v + pctool::kOdfWhiteAt + 3, 0.0f);  // a panel without white
     ASSERT_TRUE(pctool::writeOdfFile(dir + "/zero.odf", v, &err)) << err;
-    fs::create_directories(dir + "/empty");
     fs::create_directories(dir + "/notatree/sub");
     for (const char* cmd : {"mkdevice D", "mkdevice Broken --no-local", "mkdevice --lot 3 L", "odf write good.odf m.txt"}) {
       ASSERT_EQ(run(cmd).status, 0) << cmd;
@@ -109,7 +108,6 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"simulate --device D --out O --session D", 1, "simulate: D: is a folder, not a file"},
       {"mkdevice plain", 1, "mkdevice: plain: not a folder"},
       {"mkdevice --lot 5 plain", 1, "plain: not a folder"},
-      {"verify --lot empty", 1, "empty: no device tree in it"},
       {"verify --lot notatree", 1, "notatree: no device tree in it"},
       {"verify --lot missing", 1, "missing: no such folder"},
       {"verify --lot plain", 1, "plain: not a folder"},

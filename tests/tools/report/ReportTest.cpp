@@ -42,6 +42,7 @@ TEST(ReportPlan, ScreenColoursOfLab) {
   EXPECT_NEAR(rgb[0], 1.0, 2e-3);
   EXPECT_NEAR(rgb[1] + rgb[2], 0.0, 4e-2);
   EXPECT_EQ(pctool::modeColourIndex(pctool::modeOfTable("6 LsRGB 100-nit")), 3);  // a mode's fixed colour
+  EXPECT_GE(pctool::modeColourIndex("Night"), 4);                                  // none of theirs
 }
 
 // The sample device; a cache of 8 identity tables, each full-brightness one with green scaled.

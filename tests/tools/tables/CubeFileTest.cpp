@@ -103,10 +103,9 @@ TEST(CubeFile, ToleratesCommentsCarriageReturnsAndClampsOutOfRangeValues) {
   const Parsed p = parse(rows(text, 4912, "1 0 0.25"));
   ASSERT_TRUE(p.ok) << p.err;
   EXPECT_EQ(p.info.clamped, 2u);
-  EXPECT_EQ(p.lut->entries[0].out[0], 0u);
-  EXPECT_EQ(p.lut->entries[0].out[1], 4095u);
-  EXPECT_EQ(p.lut->entries[0].out[2], 2048u);  // 0.5 * 4095 rounds up
-  EXPECT_EQ(p.lut->entries[4912].out[2], 1024u);
+  const auto& e = p.lut->entries;  // clamped to 0 and 4095; 0.5 * 4095 rounds up
+  EXPECT_EQ((std::array<uint32_t, 4>{e[0].out[0], e[0].out[1], e[0].out[2], e[4912].out[2]}),
+            (std::array<uint32_t, 4>{0, 4095, 2048, 1024}));
 }
 
 // Device node i sits at code / 4095 in the cube's domain; a 17-node cube carries over as it is.

@@ -69,6 +69,8 @@ TEST_F(TableSource, LoadsCacheTablesAndRefusesDamage) {
   // A checksum the plugin would refuse refuses the file, whose tables inspect still shows.
   EXPECT_FALSE(pctool::loadTables(put("bad.fw", pctest::cacheImage(pctest::identityTables(6), 0, 0, 7, 1)), t, err));
   EXPECT_THAT(err, StartsWith("checksum mismatch: stored 0x"));
+  EXPECT_FALSE(pctool::loadTables(put("cut.fw", pctest::cacheImage(pctest::identityTables(6), 0, 0, 7).substr(1)), t, err));
+  EXPECT_THAT(err, StartsWith("wrong size: 707583 bytes"));
   pctool::LoadedTable one;
   EXPECT_FALSE(pctool::loadTable(put("six.fw", pctest::cacheImage(pctest::identityTables(6), 0, 0, 7)), 6, one, err));
   EXPECT_EQ(err, "no table 6: the file holds 6");
