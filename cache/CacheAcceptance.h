@@ -27,7 +27,9 @@ struct CacheCheck {
   bool matched = false;  // the identity check's result
 };
 
-inline bool cacheLengthAccepted(uint64_t fileBytes, uint32_t fwVersion) { return fileBytes == fwVersion; }
+inline bool cacheLengthAccepted(uint64_t fileBytes, uint32_t fwVersion) {
+  return fileBytes == fwVersion;
+}
 
 // The first rule the cache breaks, in the order above; None when it is taken.
 CacheRefusal cacheRefusal(const CacheCheck& c);

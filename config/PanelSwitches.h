@@ -19,9 +19,9 @@ using PropertyEntries = std::map<std::string, std::string, std::less<>>;
 constexpr const char* kIn100nitsKey = "inParam100nits";
 
 struct PanelSwitches {
-  int32_t logLevel = 1;      // LogLevel: the log mask (sDebug)
-  int32_t paramVersion = 0;  // ParamVersion: a cache is taken only when made with it
-  int32_t fwVersion = 0;     // FWVersion: the one cache length taken
+  int32_t logLevel = 1;          // LogLevel: the log mask (sDebug)
+  int32_t paramVersion = 0;      // ParamVersion: a cache is taken only when made with it
+  int32_t fwVersion = 0;         // FWVersion: the one cache length taken
   bool calibration = false;      // PanelCalibration: without it no tables are made
   bool nitsCalibration = false;  // PanelNitsCalibration: SetProperty 769 sets the brightness
   bool gammaCorrection = false;  // GammaCorrection: targets of 20 numbers, the grey ramp corrected

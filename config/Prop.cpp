@@ -72,7 +72,9 @@ const std::string* Prop::find(const char* key) const {
   return it == mEntries.end() ? nullptr : &it->second;
 }
 
-PanelSwitches Prop::switches() const { return mCount == 0 ? PanelSwitches{} : panelSwitches(mEntries); }
+PanelSwitches Prop::switches() const {
+  return mCount == 0 ? PanelSwitches{} : panelSwitches(mEntries);
+}
 
 uint32_t Prop::GetPanelId(const char* name) {
   if (mCount == 0) return 0;

@@ -53,7 +53,8 @@ std::string targetPath(const std::string& displayName, int file) {
   return std::string(kOdmDir) + displayName + kTargetSuffix[file];
 }
 
-std::string opticalDataPath(OdfOrigin origin, uint32_t panel, const std::string& displayName, int set) {
+std::string opticalDataPath(OdfOrigin origin, uint32_t panel, const std::string& displayName,
+                            int set) {
   if (origin == OdfOrigin::Local) return kLocalOdf[panel == 0 ? 0 : 1][set];
   return std::string(kOdmDir) + displayName + kGoldenOdfSuffix[set];
 }

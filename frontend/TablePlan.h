@@ -1,8 +1,8 @@
 // Which optical data and which target each table of a panel's generation uses, the files they
-// come from, and what the generation records about its source. Tables come in pairs: 2k is the 100-nit table and 2k + 1 the full-brightness
-// one of mode k (Vivid, Nature, Cinema, LsRGB). Vivid and LsRGB use the "_2_" measurements,
-// Nature and Cinema the "_1_" ones; the 100-nit targets replace the standard ones of the even
-// tables only when the 100-nit switch is 1:
+// come from, and what the generation records about its source. Tables come in pairs: 2k is the
+// 100-nit table and 2k + 1 the full-brightness one of mode k (Vivid, Nature, Cinema, LsRGB). Vivid
+// and LsRGB use the "_2_" measurements, Nature and Cinema the "_1_" ones; the 100-nit targets
+// replace the standard ones of the even tables only when the 100-nit switch is 1:
 //   0: 2low Vivid(_100nits)   1: 2max Vivid    2: 1low Nature(_100nits)  3: 1max Nature
 //   4: 1low Cinema(_100nits)  5: 1max Cinema   6: 2low LsRGB(_100nits)   7: 2max LsRGB
 #pragma once
@@ -54,7 +54,8 @@ TablePlan planTables(const bool targetRead[kTargetFiles], bool use100nits, int s
 // Device paths of a target file and of one optical data set.
 enum class OdfOrigin { None, Local, Golden };
 std::string targetPath(const std::string& displayName, int file);
-std::string opticalDataPath(OdfOrigin origin, uint32_t panel, const std::string& displayName, int set);
+std::string opticalDataPath(OdfOrigin origin, uint32_t panel, const std::string& displayName,
+                            int set);
 
 // The optical data a generation uses: the panel's own ("local") sets only when its identity
 // matched (match 1), else or when any of them fails, the golden sets. An attempt stops at its

@@ -1,9 +1,9 @@
 // Which rule refuses a table cache, in the order the plugin's loader and the workbench apply them.
-#include "cache/CacheAcceptance.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
+
+#include "cache/CacheAcceptance.h"
 
 namespace {
 
@@ -23,16 +23,21 @@ TEST(CacheAcceptance, TheFirstBrokenRuleRefusesTheCache) {
     CacheRefusal refusal;
   } rows[] = {
       {"none: a matched panel's local cache", [](CacheCheck&) {}, CacheRefusal::None},
-      {"none: an unmatched panel's golden cache", [](CacheCheck& c) { c.matched = false, c.source = 1; },
-       CacheRefusal::None},
-      {"a byte longer than FWVersion", [](CacheCheck& c) { c.fileBytes += 1; }, CacheRefusal::Length},
-      {"a byte shorter, unread", [](CacheCheck& c) { c.fileBytes -= 1, c.complete = false; }, CacheRefusal::Length},
+      {"none: an unmatched panel's golden cache",
+       [](CacheCheck& c) { c.matched = false, c.source = 1; }, CacheRefusal::None},
+      {"a byte longer than FWVersion", [](CacheCheck& c) { c.fileBytes += 1; },
+       CacheRefusal::Length},
+      {"a byte shorter, unread", [](CacheCheck& c) { c.fileBytes -= 1, c.complete = false; },
+       CacheRefusal::Length},
       {"a short read", [](CacheCheck& c) { c.complete = false; }, CacheRefusal::Truncated},
       {"a changed bit", [](CacheCheck& c) { c.computedCheckSum ^= 1; }, CacheRefusal::CheckSum},
-      {"another ParamVersion", [](CacheCheck& c) { c.expectedParamVersion = 4; }, CacheRefusal::ParamVersion},
-      {"local data, panel not matched", [](CacheCheck& c) { c.matched = false; }, CacheRefusal::Source},
+      {"another ParamVersion", [](CacheCheck& c) { c.expectedParamVersion = 4; },
+       CacheRefusal::ParamVersion},
+      {"local data, panel not matched", [](CacheCheck& c) { c.matched = false; },
+       CacheRefusal::Source},
       {"golden data, panel matched", [](CacheCheck& c) { c.source = 1; }, CacheRefusal::Source},
-      {"golden although matched, matched", [](CacheCheck& c) { c.source = 2; }, CacheRefusal::Source},
+      {"golden although matched, matched", [](CacheCheck& c) { c.source = 2; },
+       CacheRefusal::Source},
       {"golden although matched, unmatched", [](CacheCheck& c) { c.source = 2, c.matched = false; },
        CacheRefusal::Source},
   };

@@ -1,11 +1,10 @@
 // Each property key lands in its own switch with its own default, and nothing else moves.
-#include "config/PanelSwitches.h"
-
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 
+#include "config/PanelSwitches.h"
 #include "config/PropertyReader.h"
 
 namespace {
@@ -13,9 +12,10 @@ namespace {
 using postblend::PanelSwitches;
 
 std::string text(const PanelSwitches& s) {
-  return std::to_string(s.logLevel) + " " + std::to_string(s.paramVersion) + " " + std::to_string(s.fwVersion) +
-         " " + std::to_string(s.calibration) + std::to_string(s.nitsCalibration) +
-         std::to_string(s.gammaCorrection) + std::to_string(s.cmDebug) + std::to_string(s.use100nits) + " v" +
+  return std::to_string(s.logLevel) + " " + std::to_string(s.paramVersion) + " " +
+         std::to_string(s.fwVersion) + " " + std::to_string(s.calibration) +
+         std::to_string(s.nitsCalibration) + std::to_string(s.gammaCorrection) +
+         std::to_string(s.cmDebug) + std::to_string(s.use100nits) + " v" +
          std::to_string(s.verbose());
 }
 
@@ -38,7 +38,8 @@ TEST(PanelSwitches, EachKeySetsItsOwnSwitch) {
   };
   for (const auto& row : rows) {
     postblend::PropertyEntries entries;
-    for (auto& line : postblend::readProperties(row.lines).accepted) entries.emplace(line.key, line.value);
+    for (auto& line : postblend::readProperties(row.lines).accepted)
+      entries.emplace(line.key, line.value);
     PanelSwitches want;
     row.expect(want);
     EXPECT_EQ(text(postblend::panelSwitches(entries)), text(want)) << row.lines;

@@ -39,7 +39,8 @@ TEST(OpticalDataChoice, LocalOnlyWhenMatchedAndWhole) {
     EXPECT_EQ(reads, row.reads) << row.fault;
     EXPECT_EQ(got, row.origin) << row.fault;
     if (got != fe::OdfOrigin::None) {
-      EXPECT_EQ(fe::recordedSource(row.match, got == fe::OdfOrigin::Golden), row.source) << row.fault;
+      EXPECT_EQ(fe::recordedSource(row.match, got == fe::OdfOrigin::Golden), row.source)
+          << row.fault;
     }
   }
 }
