@@ -1,4 +1,4 @@
-// `mkdevice --lot N DIR`: a synthetic production lot (tools/lib/ProductionLot.h).
+// `mkdevice --lot N DIR`: a synthetic production lot (tools/lib/lot/ProductionLot.h).
 #include <cstdio>
 #include <filesystem>
 

@@ -1,5 +1,5 @@
 // `verify --lot DIR...`: a production lot's predicted colour error, panel by panel, with its
-// yield, distribution and outliers (tools/lib/LotVerify.h).
+// yield, distribution and outliers (tools/lib/lot/LotVerify.h).
 #include <pchost/host.h>
 
 #include <cmath>

@@ -140,6 +140,9 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       // Done, with what an engineer must hear.
       {"apply t.cube c.csv out.csv --interp trilinear", 0, "wrote out.csv: 1 colours (8-bit values)"},
       {"inspect big.cube", 0, "note: resampled from 33 nodes (tetrahedral)\n"},
+      {"odf write rel.odf --ti3 rel.ti3", 0, "rel.ti3: warning: no LUMINANCE_XYZ_CDM2 in the header: the XYZ values are "
+                                             "taken as they are, not scaled to cd/m2\n"},
+      {"verify --lot L --png page.png", 0, "", "", true},
       {"export big.cube hook.txt", 0, "export: big.cube: note: resampled from 33 nodes (tetrahedral)\n"},
       {"report D -o new/pages", 0, "report-PanelCorvane_secondary.png", "", true},
   };

@@ -37,7 +37,6 @@ TEST(Ciede2000, LabOfKnownColours) {
     pctool::Lab lab, expected;
   } rows[] = {
       {"white", pctool::xyzToLab(pctool::kD65, pctool::kD65), {100, 0, 0}},
-      {"black", pctool::xyzToLab(pctool::Xyz{}, pctool::kD65), {0, 0, 0}},
       {"18 % grey", pctool::xyzToLab(grey, pctool::kD65), {49.496, 0, 0}},
       {"12-bit white as sRGB", pctool::srgbCodeLab(white), {100, 0, 0}},
       {"12-bit red as sRGB", pctool::srgbCodeLab(red), {53.24, 80.09, 67.20}},

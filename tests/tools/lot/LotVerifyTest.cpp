@@ -175,18 +175,6 @@ TEST_F(LotVerify, YieldDistributionAndOutliers) {
   EXPECT_THAT(pctool::lotSummaryText(s), HasSubstr("yield: 9 of 12 panels pass every mode (75.0 %)"));
 }
 
-TEST_F(LotVerify, TheSummaryPageIsDrawnOrTheReasonGiven) {
-  ASSERT_EQ(run("mkdevice --lot 1 L").status, 0);
-  const ToolRun r = run("verify --lot L --png page.png");
-  if (pctool::lotPageSupported()) {
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(root.read("/page.png").substr(1, 3), "PNG");
-  } else {
-    EXPECT_EQ(r.status, 1);
-    EXPECT_THAT(r.err, HasSubstr("page.png: built without cairo"));
-  }
-}
-
 using pctool::LotFault;
 
 TEST(ProductionLot, PlanHasAboutTwoPercentFaultsAndAtLeastOneOfEachFromTenPanels) {

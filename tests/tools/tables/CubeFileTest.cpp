@@ -149,4 +149,23 @@ TEST(CubeFile, OtherSizesAreResampledOntoTheDeviceNodes) {
     for (int c = 0; c < 3; ++c) ASSERT_NEAR(e.out[c], curve(e.in[c] / 4095.0, c) * 4095.0, 1.0) << c;
 }
 
+// OpenColorIO's bake of our table to 33 nodes reads back onto ours: level 15 of our .cube sits at
+// 15/16 rather than code 3840, so the bake's values at the device nodes are ours within codes.
+TEST(CubeFile, ReadsBackWhatOpenColorIOBakesFromOurTable) {
+  if (!pctest::haveProgram("ociobakelut")) GTEST_SKIP() << "ociobakelut (opencolorio-tools) not installed";
+  pctest::TempRoot dir;
+  const Parsed ours = parse(cube3d(17, smooth));
+  std::string err;
+  ASSERT_TRUE(pctool::CubeFile::writeFile(dir.host("/ours.cube"), *ours.lut, "ours", err)) << err;
+  ASSERT_EQ(std::system(("cd '" + dir.path() + "' && ociobakelut --lut ours.cube --format resolve_cube --cubesize 33 "
+                         "baked.cube > /dev/null 2>&1").c_str()), 0);
+  const Parsed baked = parse(dir.read("/baked.cube"));
+  ASSERT_TRUE(baked.ok) << baked.err;
+  int worst = 0;
+  for (uint32_t i = 0; i < pctool::kEntries; ++i)
+    for (int c = 0; c < 3; ++c)
+      worst = std::max(worst, std::abs(int(baked.lut->entries[i].out[c]) - int(ours.lut->entries[i].out[c])));
+  EXPECT_LE(worst, 3);
+}
+
 }  // namespace
