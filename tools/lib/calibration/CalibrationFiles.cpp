@@ -1,7 +1,6 @@
 #include "tools/lib/calibration/CalibrationFiles.h"
 
-#include <cerrno>
-#include <cstring>
+#include <algorithm>
 #include <fstream>
 
 #include "frontend/OdfLayout.h"
@@ -13,14 +12,8 @@ namespace pctool {
 bool readOdfFile(const std::string& path, OpticalDataFile& odf, OdfCheck& check,
                  std::string& error) {
   check = OdfCheck{};
-  if (!checkInputFile(path, error)) return false;
-  std::ifstream in(path, std::ios::binary | std::ios::ate);
-  if (!in) {
-    error = "cannot open: " + std::string(std::strerror(errno));
-    return false;
-  }
-  check.fileBytes = static_cast<uint64_t>(in.tellg());
-  in.seekg(0);
+  std::ifstream in;
+  if (!openInputFile(path, in, check.fileBytes, error)) return false;
   uint8_t bytes[postblend::odf::kBytes];
   in.read(reinterpret_cast<char*>(bytes), sizeof bytes);
   odf = OpticalDataFile{};

@@ -38,14 +38,23 @@ bool checkInputFile(const std::string& path, std::string& error) {
   return true;
 }
 
-bool readInputFile(const std::string& path, size_t limit, std::string& text, std::string& error) {
-  text.clear();
+bool openInputFile(const std::string& path, std::ifstream& in, uint64_t& bytes, std::string& error) {
   if (!checkInputFile(path, error)) return false;
-  std::ifstream in(path, std::ios::binary);
+  in.open(path, std::ios::binary | std::ios::ate);
   if (!in) {
     error = "cannot open: " + std::string(std::strerror(errno));
     return false;
   }
+  bytes = static_cast<uint64_t>(in.tellg());
+  in.seekg(0);
+  return true;
+}
+
+bool readInputFile(const std::string& path, size_t limit, std::string& text, std::string& error) {
+  text.clear();
+  std::ifstream in;
+  uint64_t bytes = 0;
+  if (!openInputFile(path, in, bytes, error)) return false;
   char chunk[64 * 1024];
   while (in && text.size() <= limit) {
     in.read(chunk, static_cast<std::streamsize>(std::min(sizeof chunk, limit + 1 - text.size())));

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <fstream>
 #include <string>
 
 namespace pctool {
@@ -12,6 +14,10 @@ namespace pctool {
 // True when `path` is a regular file that can be opened for reading; else false with a reason
 // without the path: "no such file", "is a folder, not a file", "not a regular file", ...
 bool checkInputFile(const std::string& path, std::string& error);
+
+// Opens an input file checked as above, at its start; `bytes` is its length. False with a reason
+// without the path.
+bool openInputFile(const std::string& path, std::ifstream& in, uint64_t& bytes, std::string& error);
 
 // The text of an input file checked as above: at most `limit` bytes and one more, so the
 // caller's reader can tell a file over its limit. False with a reason without the path.

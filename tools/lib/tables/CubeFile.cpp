@@ -250,13 +250,9 @@ bool CubeFile::parse(std::istream& is, lut3d_info& lut, uint32_t lutId, CubeRead
 
 bool CubeFile::readFile(const std::string& path, lut3d_info& lut, uint32_t lutId,
                         CubeReadInfo& info, std::string& error, Interp interp) {
-  if (!checkInputFile(path, error)) return false;
-  std::ifstream is(path, std::ios::binary);
-  if (!is) {
-    error = "cannot open: " + std::string(std::strerror(errno));
-    return false;
-  }
-  return parse(is, lut, lutId, info, error, interp);
+  std::ifstream is;
+  uint64_t bytes = 0;
+  return openInputFile(path, is, bytes, error) && parse(is, lut, lutId, info, error, interp);
 }
 
 }  // namespace pctool

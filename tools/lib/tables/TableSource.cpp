@@ -1,7 +1,6 @@
 #include "tools/lib/tables/TableSource.h"
 
 #include <cctype>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -51,14 +50,9 @@ const char* kindName(FileKind kind) {
 }
 
 FileKind detectKind(const std::string& path, std::string& error) {
-  if (!checkInputFile(path, error)) return FileKind::Unknown;
-  std::ifstream in(path, std::ios::binary | std::ios::ate);
-  if (!in) {
-    error = "cannot open: " + std::string(std::strerror(errno));
-    return FileKind::Unknown;
-  }
-  const uint64_t size = static_cast<uint64_t>(in.tellg());
-  in.seekg(0);
+  std::ifstream in;
+  uint64_t size = 0;
+  if (!openInputFile(path, in, size, error)) return FileKind::Unknown;
   std::string head(static_cast<size_t>(size < kHeadBytes ? size : kHeadBytes), '\0');
   in.read(&head[0], static_cast<std::streamsize>(head.size()));
   const std::string ext = lowerExtension(path);
@@ -119,17 +113,12 @@ FileKind detectKind(const std::string& path, std::string& error) {
 
 bool readCacheFile(const std::string& path, CacheContents& out, std::string& error) {
   out = CacheContents{};
-  if (!checkInputFile(path, error)) return false;
-  std::ifstream in(path, std::ios::binary | std::ios::ate);
-  if (!in) {
-    error = "cannot open: " + std::string(std::strerror(errno));
-    return false;
-  }
+  std::ifstream in;
+  uint64_t size = 0;
+  if (!openInputFile(path, in, size, error)) return false;
   // Only a length some table count fits is read; anything else is refused unread.
-  const uint64_t size = static_cast<uint64_t>(in.tellg());
   std::string bytes;
   if (cacheTableCount(size) > 0) {
-    in.seekg(0);
     bytes.assign(static_cast<size_t>(size), '\0');
     in.read(&bytes[0], static_cast<std::streamsize>(size));
     bytes.resize(static_cast<size_t>(in.gcount()));
