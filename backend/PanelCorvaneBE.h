@@ -12,6 +12,10 @@
 
 namespace postblend {
 
+// The factory's identity stamp of a panel: "panel_id" for the primary panel, "panel_id_d1" for
+// any other.
+const char* identityStampPath(uint32_t panelIndex);
+
 class PanelCorvaneBE : public PanelCorvaneBase {
  public:
   static constexpr int kNumHooks = 4;

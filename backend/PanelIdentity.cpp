@@ -52,6 +52,11 @@ int hexDigit(char c) {
 
 }  // namespace
 
+const char* identityStampPath(uint32_t panelIndex) {
+  return panelIndex == 0 ? "/mnt/vendor/persist/display/panel_id"
+                         : "/mnt/vendor/persist/display/panel_id_d1";
+}
+
 bool PanelCorvaneBE::isPaneIdMatched() {
   // One spare byte each keeps a full 256-character read terminated.
   char sn[kBuf + 1] = {};
@@ -63,9 +68,7 @@ bool PanelCorvaneBE::isPaneIdMatched() {
 
 bool PanelCorvaneBE::readFactorPanelId(char* out) {
   if (out == nullptr) return false;
-  const char* path = panelIndex() == 0 ? "/mnt/vendor/persist/display/panel_id"
-                                       : "/mnt/vendor/persist/display/panel_id_d1";
-  FILE* f = devio::fopen(path, "r");
+  FILE* f = devio::fopen(identityStampPath(panelIndex()), "r");
   if (f == nullptr) {
     PC_LOGE("failed to open panel_id!\n");
     return false;
@@ -109,7 +112,7 @@ bool PanelCorvaneBE::getSnByHidl(char* out) {
   return true;
 }
 
-// Kept for the interface; nothing calls it: the serial comes from the ioctl.
+// Part of the interface; nothing calls it: the serial comes from the ioctl.
 bool PanelCorvaneBE::readSysSn(char* out) {
   if (out == nullptr) return false;
   for (int pass = 0; pass < kSysfsPasses; ++pass) {

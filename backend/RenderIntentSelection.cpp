@@ -161,7 +161,7 @@ void applyTable(PanelCorvaneBE& be, Slots& slots, int mode) {
   be.fillGamutInfo(&target->gamut_info, mode);
   target->enabled = true;
   if (dbgOn(kDbgVerbose)) {
-    // "%D" is no conversion; kept as shipped, the platform's printf decides what it shows.
+    // "%D" is no conversion but part of the line; the platform's printf decides what it shows.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
 #pragma GCC diagnostic ignored "-Wformat-extra-args"

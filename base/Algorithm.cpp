@@ -62,7 +62,8 @@ int Algorithm::check3DLut(lut3d_info& lut) {
   for (int k = 0; k < De76Report::kBins; ++k) {
     PC_LOGE("[%d] = %d\n", k, static_cast<int>(r.bins[k]));
   }
-  // The pass line ends in "%\n" as it always has; the platform's printf decides what it shows.
+  // The pass line ends in "%\n", an unfinished conversion that is part of the line; the
+  // platform's printf decides what it shows.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
   PC_LOGE("< 50 : %d%\n", static_cast<int>(r.passPercent));

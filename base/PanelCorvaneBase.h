@@ -49,7 +49,7 @@ class PanelCorvaneBase {
   static std::atomic<bool> sIsLut3dHook;
   static std::atomic<bool> sIsHidlRegitsered;
   static std::atomic<int32_t> sCurrentPanel;
-  // Written only under the panel registry's lock (core/PanelRegistry.h); service threads
+  // Written only under the panel registry's lock (base/PanelRegistry.h); service threads
   // reach an object through a pin of the registry, never through a bare load.
   static std::atomic<PanelCorvaneBase*> sPrimaryPanel;
   static std::atomic<PanelCorvaneBase*> sSecondaryPanel;

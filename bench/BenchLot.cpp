@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tools/lib/LotVerify.h"
-#include "tools/lib/ProductionLot.h"
+#include "tools/lib/lot/LotVerify.h"
+#include "tools/lib/lot/ProductionLot.h"
 
 namespace {
 

@@ -17,9 +17,6 @@ namespace postblend {
 
 namespace {
 
-constexpr uint32_t kMinBrightness = 3500;
-constexpr uint32_t kQ12Origin = kMinBrightness * 4096;       // 14336000
-constexpr uint32_t kBrightnessSpan = 8191 - kMinBrightness;  // 4691
 constexpr uint32_t kOddIndexMask = 0xAA;                     // 1, 3, 5, 7
 constexpr size_t kDeltaBlockWords = 3 * static_cast<size_t>(kLut3dEntries);
 
@@ -103,8 +100,7 @@ void Lut3DCacheManager::calLut3d(unsigned panel, unsigned lutIndex, unsigned bri
     dump = openDump(__func__, path);
   }
 
-  // Unsigned throughout: levels above 8191 extrapolate, as they always have.
-  const uint32_t w = (brightness * 4096u - kQ12Origin) / kBrightnessSpan;
+  const uint32_t w = brightnessWeightQ12(brightness);
   if (dbgOn(kDbgVerbose)) {
     PC_LOGD("calLut3d +++ %d %d\n", static_cast<int>(w), static_cast<int>(brightness));
   }

@@ -12,6 +12,7 @@
 
 #include "base/DeviceIo.h"
 #include "base/Log.h"
+#include "cache/CacheAcceptance.h"
 #include "cache/CacheFileReader.h"
 #include "cache/Lut3DCacheManager.h"
 
@@ -39,7 +40,7 @@ int32_t Lut3DCacheManager::loadCacheFromFile(unsigned panel, unsigned fwVersion,
   PC_LOGE("PANEL(%d) FW VERSION %u (%u,%u)\n", static_cast<int>(panel),
           static_cast<unsigned>(length), fwVersion, fileSizeFor(n));
   // The length check comes before any read: a file of another layout is never parsed.
-  if (length != fwVersion) {
+  if (!cacheLengthAccepted(length, fwVersion)) {
     PC_LOGE("FW VERSION MISMATCHING %u\n", static_cast<unsigned>(length));
     return failed;
   }
@@ -64,13 +65,17 @@ int32_t Lut3DCacheManager::loadCacheFromFile(unsigned panel, unsigned fwVersion,
   PC_LOGD("(%d)CHECK %#x =? %#x,Golden:%d Mat:%d %u(->%u)\n", static_cast<int>(panel), cfg.checkSum,
           computed, static_cast<int>(cfg.source), matched ? 1 : 0, cfg.paramVersion, paramVersion);
 
-  // Source 2 (matched panel, golden data) matches neither state: such a cache is regenerated.
-  const bool sourceAgrees = matched ? cfg.source == 0 : cfg.source == 1;
-  if (read.complete && cfg.checkSum == computed && cfg.paramVersion == paramVersion &&
-      sourceAgrees) {
-    return 0;
-  }
-  return failed;
+  CacheCheck check;
+  check.fileBytes = length;
+  check.fwVersion = fwVersion;
+  check.complete = read.complete;
+  check.storedCheckSum = cfg.checkSum;
+  check.computedCheckSum = computed;
+  check.paramVersion = cfg.paramVersion;
+  check.expectedParamVersion = paramVersion;
+  check.source = cfg.source;
+  check.matched = matched;
+  return cacheRefusal(check) == CacheRefusal::None ? 0 : failed;
 }
 
 void Lut3DCacheManager::saveCfgToFile(unsigned panel) {

@@ -41,12 +41,6 @@ __attribute__((always_inline)) inline void blend(const char* from, char* to, v4i
   store(to, lanes ? sum : load(to));  // one blend instruction where the target has one
 }
 
-// Q12: the product wraps as a signed 32-bit value, then shifts arithmetically (toward minus
-// infinity for negative deltas).
-inline uint32_t scaled(int32_t delta, uint32_t w) {
-  return static_cast<uint32_t>(static_cast<int32_t>(static_cast<uint32_t>(delta) * w) >> 12);
-}
-
 }  // namespace
 
 PC_MULTIVERSION
@@ -78,7 +72,8 @@ void applyDeltaQ12(const lut3d_info& base, lut3d_info& target, const int32_t* de
   }
   for (; i < kLut3dEntries; ++i) {
     for (int c = 0; c < 3; ++c) {
-      target.entries[i].out[c] = base.entries[i].out[c] + scaled(deltas[c * kLut3dEntries + i], w);
+      target.entries[i].out[c] =
+          base.entries[i].out[c] + scaledDeltaQ12(deltas[c * kLut3dEntries + i], w);
     }
   }
 }

@@ -3,6 +3,7 @@
 #include "cache/Lut3DCacheManager.h"
 
 #include "base/Log.h"
+#include "cache/CacheAcceptance.h"
 
 namespace postblend {
 
@@ -15,12 +16,6 @@ std::mutex& Lut3DCacheManager::tablesLock(unsigned panel) {
   return locks[panel < kNumPanels ? panel : kNumPanels];
 }
 
-namespace {
-// Tables come in pairs (100 nits, full brightness); the debug switch adds the fourth pair.
-constexpr uint32_t kLutsWithCmDebug = 8;
-constexpr uint32_t kLutsDefault = 6;
-}  // namespace
-
 bool Lut3DCacheManager::init(unsigned panel, unsigned cmDebug) {
   if (panel >= kNumPanels) return false;
   PanelCfgCache& cfg = sPCFGPanel[panel];
@@ -28,7 +23,7 @@ bool Lut3DCacheManager::init(unsigned panel, unsigned cmDebug) {
     PC_LOGE("panel %d has initialized\n", static_cast<int>(panel));
     return cfg.lutArray != nullptr && slut3dDeltaPanel[panel] != nullptr;
   }
-  const uint32_t n = cmDebug ? kLutsWithCmDebug : kLutsDefault;
+  const uint32_t n = tableSlots(cmDebug != 0);
   // Zeroed although nothing relies on it: keeps memory checkers quiet about a never-filled pair.
   cfg.lutArray = new lut3d_info[n]();
   slut3dDeltaPanel[panel] = new int32_t[static_cast<size_t>(n) * 3 * kLut3dEntries]();

@@ -72,9 +72,8 @@ const std::string* Prop::find(const char* key) const {
   return it == mEntries.end() ? nullptr : &it->second;
 }
 
-int32_t Prop::intOr(const char* key, int32_t def) const {
-  const std::string* v = find(key);
-  return v ? propertyInt(*v) : def;
+PanelSwitches Prop::switches() const {
+  return mCount == 0 ? PanelSwitches{} : panelSwitches(mEntries);
 }
 
 uint32_t Prop::GetPanelId(const char* name) {
@@ -87,13 +86,13 @@ uint32_t Prop::GetPanelId(const char* name) {
   return panelIndexOf(*v);
 }
 
-int32_t Prop::GetLogLevel() { return intOr("LogLevel", 1); }
-int32_t Prop::GetParamVersion() { return intOr("ParamVersion", 0); }
-int32_t Prop::GetFWVersion() { return intOr("FWVersion", 0); }
-bool Prop::IsPanelCalibrationOn() { return intOr("PanelCalibration", 0) == 1; }
-bool Prop::IsPanelNitsCalibrationOn() { return intOr("PanelNitsCalibration", 0) == 1; }
-bool Prop::IsGammaCorrectionOn() { return intOr("GammaCorrection", 0) == 1; }
-bool Prop::IsCMDebugOn() { return intOr("CMDebug", 0) == 1; }
+int32_t Prop::GetLogLevel() { return switches().logLevel; }
+int32_t Prop::GetParamVersion() { return switches().paramVersion; }
+int32_t Prop::GetFWVersion() { return switches().fwVersion; }
+bool Prop::IsPanelCalibrationOn() { return switches().calibration; }
+bool Prop::IsPanelNitsCalibrationOn() { return switches().nitsCalibration; }
+bool Prop::IsGammaCorrectionOn() { return switches().gammaCorrection; }
+bool Prop::IsCMDebugOn() { return switches().cmDebug; }
 
 const char* Prop::GetValueByKey(const char* key) {
   if (mCount == 0) return nullptr;

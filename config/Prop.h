@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <map>
 #include <string>
 #include <vector>
+
+#include "config/PanelSwitches.h"
 
 namespace postblend {
 
@@ -31,17 +31,18 @@ class Prop {
   int GetValueByKey(const char* key, int defaultValue);
 
   uint32_t entryCount() const { return mCount; }
+  // Every switch at once, as the typed getters answer them.
+  PanelSwitches switches() const;
 
   // One integer key of the process's shared property file (PanelCorvaneBase::sProp), read under
   // base_lock_ because any DeInit may destroy it; false (`value` untouched) while none is loaded.
   static bool readSharedInt(const char* key, int def, int* value);
 
  private:
-  // Silent lookup used by the typed getters.
+  // Silent lookup; null while no line was accepted.
   const std::string* find(const char* key) const;
-  int32_t intOr(const char* key, int32_t def) const;
 
-  std::map<std::string, std::string, std::less<>> mEntries;
+  PropertyEntries mEntries;
   uint32_t mCount = 0;
 };
 

@@ -47,7 +47,7 @@ void MessageQueue::waitMessage() {
   }
 }
 
-// Kept for the interface; messages go through sendMessage.
+// Part of the interface; messages go through sendMessage.
 void MessageQueue::postMessage(android::sp<android::MessageHandler>&& handler) {
   mLooper->sendMessage(handler, android::Message());
 }
@@ -56,7 +56,7 @@ void MessageQueue::sendMessage(int what) {
   if (mHandler != nullptr) mHandler->sendMessage(what);
 }
 
-// Kept for the interface; nothing posts a delayed message.
+// Part of the interface; nothing posts a delayed message.
 void MessageQueue::sendMessageDelayed(int delayMs, int what) {
   if (mHandler != nullptr) mHandler->sendMessageDelayed(delayMs, what);
 }

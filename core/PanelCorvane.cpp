@@ -69,13 +69,14 @@ int PanelCorvane::Init(const std::string& name) {
       Prop* prop = new Prop();
       sProp = prop;
       sIsByPass = !prop->Init();
-      sIsPanelCalibrationOn = prop->IsPanelCalibrationOn();
-      sIsPanelNitsCalibrationOn = prop->IsPanelNitsCalibrationOn();
-      sIsGammaCorrectionOn = prop->IsGammaCorrectionOn();
-      sIsCMDebugOn = prop->IsCMDebugOn();
-      sDebug = static_cast<uint32_t>(prop->GetLogLevel());
-      sParamVersion = static_cast<uint32_t>(prop->GetParamVersion());
-      sFWVersion = static_cast<uint32_t>(prop->GetFWVersion());
+      const PanelSwitches sw = prop->switches();
+      sIsPanelCalibrationOn = sw.calibration;
+      sIsPanelNitsCalibrationOn = sw.nitsCalibration;
+      sIsGammaCorrectionOn = sw.gammaCorrection;
+      sIsCMDebugOn = sw.cmDebug;
+      sDebug = static_cast<uint32_t>(sw.logLevel);
+      sParamVersion = static_cast<uint32_t>(sw.paramVersion);
+      sFWVersion = static_cast<uint32_t>(sw.fwVersion);
     }
   }
 

@@ -17,12 +17,6 @@ namespace postblend {
 
 std::atomic<int> PanelCorvaneFE::sIn100nits{-1};
 
-namespace {
-std::string joinPath(const char* dir, const std::string& name, const char* suffix) {
-  return std::string(dir) + name + suffix;
-}
-}  // namespace
-
 PanelCorvaneFE::PanelCorvaneFE(PanelCorvaneBase* owner, uint32_t panelIndex) : mOwner(owner) {
   mPanelIndex = panelIndex;
   if (owner != nullptr) {
@@ -46,7 +40,7 @@ int PanelCorvaneFE::operateOriginalData() { return 0; }
 void PanelCorvaneFE::fetch100nitsSwitch() {
   int in100nits = 0;
   if (sIn100nits.load(std::memory_order_relaxed) == -1 &&
-      Prop::readSharedInt("inParam100nits", 0, &in100nits)) {
+      Prop::readSharedInt(kIn100nitsKey, 0, &in100nits)) {
     sIn100nits.store(in100nits, std::memory_order_relaxed);
   }
 }
@@ -54,7 +48,7 @@ void PanelCorvaneFE::fetch100nitsSwitch() {
 void PanelCorvaneFE::readTargets(const std::string& name, bool use100nits, TargetParm* targets,
                                  bool* read) {
   for (int k = 0; k < fe::targetFilesToRead(use100nits); ++k) {
-    const std::string path = joinPath(fe::kOdmDir, name, fe::kTargetSuffix[k]);
+    const std::string path = fe::targetPath(name, k);
     read[k] = readTargetParm(targets[k], path.c_str()) == 0;
     if (read[k]) {
       PC_LOGE_AS("generateCfgFile", "read %s\n", path.c_str());
@@ -64,37 +58,25 @@ void PanelCorvaneFE::readTargets(const std::string& name, bool use100nits, Targe
   }
 }
 
-int PanelCorvaneFE::readOpticalData(int match, const std::string& name, OpticalDataFile* odf) {
-  auto readAll = [&](auto pathOf) {
-    for (int k = 0; k < fe::kOdfSets; ++k) {
-      if (readODF(odf[k], pathOf(k).c_str()) != 0) return false;
-    }
-    return true;
-  };
-  if (match == 1) {
-    const unsigned set = mPanelIndex == 0 ? 0 : 1;
-    if (readAll([&](int k) { return std::string(fe::kLocalOdf[set][k]); })) return 0;
-    PC_LOGE_AS("generateCfgFile", "failed to open local odf\n");
-  }
-  if (readAll([&](int k) { return joinPath(fe::kOdmDir, name, fe::kGoldenOdfSuffix[k]); })) {
-    return 1;
-  }
-  PC_LOGE_AS("generateCfgFile", "failed to open golden odf\n");
-  return -1;
+fe::OdfOrigin PanelCorvaneFE::readOpticalData(int match, const std::string& name,
+                                              OpticalDataFile* odf) {
+  return fe::readOpticalData(
+      match,
+      [&](fe::OdfOrigin origin, int set) {
+        const std::string path = fe::opticalDataPath(origin, mPanelIndex, name, set);
+        return readODF(odf[set], path.c_str()) == 0;
+      },
+      [](fe::OdfOrigin origin) {
+        PC_LOGE_AS("generateCfgFile", "failed to open %s odf\n",
+                   origin == fe::OdfOrigin::Local ? "local" : "golden");
+      });
 }
 
 void PanelCorvaneFE::recordSource(int match, bool golden) {
+  static const char* const kSays[3] = {"matched,local.", "unmatched,golden.", "matched,golden."};
   PanelCfgCache& cfg = Lut3DCacheManager::sPCFGPanel[mPanelIndex];
-  if (match == -1) {
-    PC_LOGE_AS("generateCfgFile", "unmatched,golden.\n");
-    cfg.source = 1;
-  } else if (match == 1 && golden) {
-    PC_LOGE_AS("generateCfgFile", "matched,golden.\n");
-    cfg.source = 2;
-  } else {
-    PC_LOGE_AS("generateCfgFile", "matched,local.\n");
-    cfg.source = 0;
-  }
+  cfg.source = fe::recordedSource(match, golden);
+  PC_LOGE_AS("generateCfgFile", "%s\n", kSays[cfg.source]);
   cfg.panelId = mPanelIndex;
   cfg.paramVersion = sParamVersion.load(std::memory_order_relaxed);
 }
@@ -106,7 +88,7 @@ int PanelCorvaneFE::generateCfgFile(int match) {
   if (match == 0) return 0;
 
   ScopedTrace trace("generateCfgFile");
-  const bool use100nits = sIn100nits.load(std::memory_order_relaxed) == 1;
+  const bool use100nits = switchOn(sIn100nits.load(std::memory_order_relaxed));
 
   // Both kinds of record start zeroed; the optical records are shared by the local and the
   // golden attempt, so a short golden file leaves what the local attempt read.
@@ -114,9 +96,9 @@ int PanelCorvaneFE::generateCfgFile(int match) {
   bool read[fe::kTargetFiles] = {};
   readTargets(name, use100nits, targets, read);
   OpticalDataFile odf[fe::kOdfSets] = {};
-  const int source = readOpticalData(match, name, odf);
-  if (source < 0) return -1;
-  const bool golden = source == 1;
+  const fe::OdfOrigin origin = readOpticalData(match, name, odf);
+  if (origin == fe::OdfOrigin::None) return -1;
+  const bool golden = origin == fe::OdfOrigin::Golden;
 
   lut3d_info* luts = nullptr;
   const int slots = Lut3DCacheManager::getLutArrayPointer(mPanelIndex, &luts);

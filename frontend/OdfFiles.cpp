@@ -1,6 +1,6 @@
 // The front end's readers of its calibration inputs: the files opened at their device paths and
 // handed to the format readers (OdfReader.h, TargetReader.h, OdfCheckReader.h), which say what
-// is wrong with them; the plugin takes their lenient result and logs as it always has.
+// is wrong with them; the plugin takes their lenient result and writes its own log lines.
 #define LOG_TAG "PanelCorvaneFE"
 
 #include <algorithm>
@@ -53,7 +53,7 @@ int PanelCorvaneFE::readTargetParm(TargetParm& target, const char* path) {
   const TargetRead read = readTarget(text);
   // Nine numbers, or all twenty with gamma correction; a number that failed to extract ends
   // the reading, and the fields from it on keep what they held.
-  const int wanted = sIsGammaCorrectionOn ? kTargetValues : kTargetBaseValues;
+  const int wanted = targetValuesUsed(sIsGammaCorrectionOn);
   float* v = target.values;
   std::copy(read.values, read.values + std::min(read.count, wanted), v);
 
@@ -64,7 +64,7 @@ int PanelCorvaneFE::readTargetParm(TargetParm& target, const char* path) {
   return 0;
 }
 
-// Kept for the interface; no flow of the plugin calls it.
+// Part of the interface; no flow of the plugin calls it.
 int PanelCorvaneFE::readODFCheck(const char* path, ODFErrorCheck* check) {
   if (check == nullptr) return 0;
   FILE* f = devio::fopen(path, "r");

@@ -13,6 +13,7 @@
 #include "base/PanelCorvaneBase.h"
 #include "frontend/ColorMath.h"
 #include "frontend/GammaTable.h"
+#include "frontend/TablePlan.h"
 #include "postblend/color_records.h"
 
 namespace postblend {
@@ -37,7 +38,7 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   // Optical data, target and error-check files.
   int readODF(OpticalDataFile& odf, const char* path);
   int readTargetParm(TargetParm& target, const char* path);
-  // Kept for the interface; nothing calls it.
+  // Part of the interface; nothing calls it.
   int readODFCheck(const char* path, ODFErrorCheck* check);
 
   // Colour-space arithmetic (ColorMath.h) with the log lines of the matrix steps.
@@ -74,10 +75,10 @@ class PanelCorvaneFE : public PanelCorvaneBase {
   float preCalLutRGB[9 * kGridLevels];
 
  private:
-  // The steps of generateCfgFile. readOpticalData: 0 local, 1 golden, -1 neither could be read.
+  // The steps of generateCfgFile.
   static void fetch100nitsSwitch();
   void readTargets(const std::string& name, bool use100nits, TargetParm* targets, bool* read);
-  int readOpticalData(int match, const std::string& name, OpticalDataFile* odf);
+  fe::OdfOrigin readOpticalData(int match, const std::string& name, OpticalDataFile* odf);
   void recordSource(int match, bool golden);
 
   // Shared by GammaCorrection (verbose lines and dump) and GammaCorrectionFinal (silent).

@@ -3,6 +3,9 @@
 namespace postblend {
 namespace fe {
 
+const char* const kOdfSetNames[kOdfSets] = {"1_max", "2_max", "1_100nit", "2_100nit"};
+const char* const kModeNames[kModes] = {"Vivid", "Nature", "Cinema", "LsRGB"};
+
 const char* const kTargetSuffix[kTargetFiles] = {
     "_Vivid.txt",         "_Nature.txt",         "_Cinema.txt",         "_LsRGB.txt",
     "_Vivid_100nits.txt", "_Nature_100nits.txt", "_Cinema_100nits.txt", "_LsRGB_100nits.txt"};
@@ -44,6 +47,21 @@ TablePlan planTables(const bool targetRead[kTargetFiles], bool use100nits, int s
   if (plan.count > slots) plan.count = slots < 0 ? 0 : slots;
   for (int i = 0; i < plan.count; ++i) plan.table[i] = tableInputs(i, use100nits);
   return plan;
+}
+
+std::string targetPath(const std::string& displayName, int file) {
+  return std::string(kOdmDir) + displayName + kTargetSuffix[file];
+}
+
+std::string opticalDataPath(OdfOrigin origin, uint32_t panel, const std::string& displayName,
+                            int set) {
+  if (origin == OdfOrigin::Local) return kLocalOdf[panel == 0 ? 0 : 1][set];
+  return std::string(kOdmDir) + displayName + kGoldenOdfSuffix[set];
+}
+
+uint32_t recordedSource(int match, bool golden) {
+  if (match == -1) return 1;
+  return match == 1 && golden ? 2 : 0;
 }
 
 }  // namespace fe

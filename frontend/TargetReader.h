@@ -40,6 +40,11 @@ struct TargetRead {
 
 TargetRead readTarget(const std::string& text);
 
+// How many of a target's numbers a generation takes: 9, or all 20 with gamma correction on.
+inline int targetValuesUsed(bool gammaCorrection) {
+  return gammaCorrection ? kTargetValues : kTargetBaseValues;
+}
+
 // Display names of the first nine target values.
 extern const char* const kTargetFieldNames[kTargetBaseValues];
 

@@ -6,7 +6,7 @@
 #include "base/PanelCorvaneBase.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "fuzz/support/FuzzSupport.h"
-#include "tools/lib/CalibrationFiles.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
 
 using postblend::PanelCorvaneBase;
 using postblend::PanelCorvaneFE;

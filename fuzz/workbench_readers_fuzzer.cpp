@@ -11,14 +11,14 @@
 
 #include "fuzz/support/FuzzSupport.h"
 #include "postblend/color_records.h"
-#include "tools/lib/ColourCsv.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/FileInfo.h"
-#include "tools/lib/MeasuredVerify.h"
-#include "tools/lib/OdfFromMeasurements.h"
-#include "tools/lib/OdfWriter.h"
-#include "tools/lib/Session.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/device/FileInfo.h"
+#include "tools/lib/device/Session.h"
+#include "tools/lib/measurements/OdfFromMeasurements.h"
+#include "tools/lib/tables/ColourCsv.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/TableSource.h"
+#include "tools/lib/verify/MeasuredVerify.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace pcfuzz {
 

@@ -24,7 +24,7 @@ LiveLoopers& liveLoopers() {
 }
 
 // The loopers this thread has polled; when the thread ends, the ones still alive are orphaned:
-// their messages will never run, so they no longer count as work under way.
+// their messages will never run, so they do not count as work under way.
 struct PolledByThisThread {
   std::vector<Looper*> loopers;
   ~PolledByThisThread() {

@@ -18,7 +18,7 @@
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "tests/support/TestSupport.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace pctest {
 

@@ -2,6 +2,7 @@
 
 #include "core/PanelCorvane.h"
 #include "tests/core/CoreFixture.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 using postblend::PanelCorvane;
 

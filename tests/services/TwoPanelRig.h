@@ -24,6 +24,7 @@
 #include "core/PanelCorvane.h"
 #include "services/MixLut3DAidl.h"
 #include "tests/core/CoreFixture.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace pctest {
 

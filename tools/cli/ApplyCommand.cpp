@@ -1,18 +1,15 @@
 // panelcorvane apply: what a table does to a list of colours or to a picture.
-#include <cctype>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/ColourCsv.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/LutApply.h"
-#include "tools/lib/PngImage.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/tables/ColourCsv.h"
+#include "tools/lib/tables/LutApply.h"
+#include "tools/lib/tables/PngImage.h"
+#include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 namespace {
@@ -37,14 +34,6 @@ const char kHelp[] =
     "                 at 4095, as the hardware has them) or uniform (i / 16, as a .cube says,\n"
     "                 and as grading tools and ffmpeg's lut3d apply the exported table)\n";
 
-std::string lowerExtension(const std::string& path) {
-  size_t slash = path.find_last_of('/'), dot = path.find_last_of('.');
-  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return "";
-  std::string ext = path.substr(dot);
-  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return ext;
-}
-
 int fail(const std::string& file, const std::string& why) {
   fprintf(stderr, "panelcorvane apply: %s: %s\n", file.c_str(), why.c_str());
   return kBadInput;
@@ -58,11 +47,8 @@ int usage(const std::string& why) {
 int applyCsv(const postblend::lut3d_info& lut, const std::string& in, const std::string& out,
              Interp interp, NodeGrid grid) {
   std::string error;
-  if (!checkInputFile(in, error)) return fail(in, error);
-  std::ifstream is(in, std::ios::binary);
-  std::string text(ColourCsv::kMaxBytes + 1, '\0');
-  is.read(&text[0], static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<size_t>(is.gcount()));
+  std::string text;
+  if (!readInputFile(in, ColourCsv::kMaxBytes, text, error)) return fail(in, error);
   ColourList list;
   if (!ColourCsv::parse(text, list, error)) return fail(in, error);
   if (!writeWholeFile(out, ColourCsv::apply(list, lut, interp, grid), error)) return fail(out, error);

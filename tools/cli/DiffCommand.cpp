@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/TableDiff.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/tables/TableDiff.h"
 
 namespace pctool {
 namespace {

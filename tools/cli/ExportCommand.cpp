@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 namespace {

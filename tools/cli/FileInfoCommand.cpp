@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/FileInfo.h"
+#include "tools/lib/device/FileInfo.h"
 
 namespace pctool {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
-#include "tools/lib/SyntheticDevice.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace pctool {
 namespace {

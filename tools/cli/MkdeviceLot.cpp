@@ -1,13 +1,13 @@
-// `mkdevice --lot N DIR`: a synthetic production lot (tools/lib/ProductionLot.h).
+// `mkdevice --lot N DIR`: a synthetic production lot (tools/lib/lot/ProductionLot.h).
 #include <cstdio>
 #include <filesystem>
 
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/ParallelFor.h"
-#include "tools/lib/ProductionLot.h"
-#include "tools/lib/ProgressBar.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/ParallelFor.h"
+#include "tools/lib/common/ProgressBar.h"
+#include "tools/lib/lot/ProductionLot.h"
 
 namespace pctool {
 

@@ -8,10 +8,10 @@
 
 #include "tools/cli/Command.h"
 #include "tools/cli/OdfMeasurementFiles.h"
-#include "tools/lib/CalibrationFiles.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/OdfWriter.h"
-#include "tools/lib/Plausibility.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
+#include "tools/lib/calibration/OdfWriter.h"
+#include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/FileAccess.h"
 
 namespace pctool {
 namespace {

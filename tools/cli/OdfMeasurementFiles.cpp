@@ -3,10 +3,10 @@
 #include <cstdio>
 
 #include "tools/cli/ExitStatus.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/OdfFromMeasurements.h"
-#include "tools/lib/PatchSets.h"
-#include "tools/lib/Plausibility.h"
+#include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/measurements/OdfFromMeasurements.h"
+#include "tools/lib/measurements/PatchSets.h"
 
 namespace pctool {
 

@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "tools/cli/Command.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/DeviceFolder.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/Plausibility.h"
-#include "tools/lib/Report.h"
-#include "tools/lib/ReportPlan.h"
-#include "tools/lib/TableSource.h"
+#include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/device/DeviceFolder.h"
+#include "tools/lib/report/Report.h"
+#include "tools/lib/report/ReportPlan.h"
+#include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 namespace {
@@ -59,16 +59,11 @@ int bad(const std::string& file, const std::string& why) {
   return kBadInput;
 }
 
-std::string baseName(const std::string& p) {
-  size_t s = p.find_last_of('/');
-  return s == std::string::npos ? p : p.substr(s + 1);
-}
-
 int fromFiles(const ParsedArgs& a, PanelReport& rep) {
   std::string err;
   ReportOdf odf;
   odf.path = a.value("--odf");
-  odf.set = baseName(odf.path);
+  odf.set = fileName(odf.path);
   OdfCheck check;
   if (!readOdfFile(odf.path, odf.odf, check, err)) return bad(odf.path, err);
   for (const auto& f : checkOpticalData(odf.odf.values)) rep.notes.push_back(odf.set + ": " + f.line());
@@ -88,7 +83,7 @@ int fromFiles(const ParsedArgs& a, PanelReport& rep) {
       t.mode = pairArg.substr(0, eq);
       const std::string path = pairArg.substr(eq + 1);
       if (!readTargetFile(path, t.target, t.count, err)) return bad(path, err);
-      for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(baseName(path) + ": " + f.line());
+      for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(fileName(path) + ": " + f.line());
       rep.targets.push_back(t);
     }
   }
@@ -98,7 +93,7 @@ int fromFiles(const ParsedArgs& a, PanelReport& rep) {
     if (!loadTables(path, tables, err)) return bad(path, err);
     rep.tablesText = "tables: " + path + ", " + std::to_string(tables.size());
     for (size_t k = 0; k < tables.size(); ++k) {
-      ReportTable t{tables.size() > 1 ? cacheTableName(static_cast<uint32_t>(k)) : baseName(path), tables[k].lut};
+      ReportTable t{tables.size() > 1 ? cacheTableName(static_cast<uint32_t>(k)) : fileName(path), tables[k].lut};
       t.odf = 0;
       // A lone table goes with a lone target; a cache's tables with their mode's target.
       const std::string mode = modeOfTable(t.name);

@@ -18,7 +18,7 @@
 #include <thread>
 
 #include "postblend/color_records.h"
-#include "tools/lib/DataSource.h"
+#include "tools/lib/device/DataSource.h"
 
 using namespace postblend;
 

@@ -13,8 +13,8 @@
 
 #include "postblend/post_blend_interface.h"
 #include "tools/cli/SimulateOutputs.h"
-#include "tools/lib/Session.h"
-#include "tools/lib/TableJobLog.h"
+#include "tools/lib/device/Session.h"
+#include "tools/lib/device/TableJobLog.h"
 
 namespace pctool {
 

@@ -6,15 +6,13 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "tools/cli/Command.h"
 #include "tools/cli/SessionPlayer.h"
 #include "tools/cli/SimulateOutputs.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/PropertyFile.h"
-#include "tools/lib/Session.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/device/Session.h"
 
 namespace fs = std::filesystem;
 
@@ -122,11 +120,7 @@ int loadSession(const Options& o, std::vector<SessionStep>& steps) {
   std::string script = defaultSession();
   std::string error;
   if (!o.sessionFile.empty()) {
-    if (!checkInputFile(o.sessionFile, error)) return fail(o.sessionFile, error);
-    std::ifstream in(o.sessionFile, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    script = ss.str();
+    if (!readInputFile(o.sessionFile, kMaxSessionBytes, script, error)) return fail(o.sessionFile, error);
   }
   if (!parseSession(script, &steps, &error))
     return fail(o.sessionFile.empty() ? "built-in session" : o.sessionFile, error);

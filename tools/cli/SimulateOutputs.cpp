@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "tools/lib/CubeFile.h"
-#include "tools/lib/DeviceFolder.h"
-#include "tools/lib/Report.h"
+#include "tools/lib/device/DeviceFolder.h"
+#include "tools/lib/report/Report.h"
+#include "tools/lib/tables/CubeFile.h"
 
 namespace pctool {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "postblend/color_records.h"
-#include "tools/lib/TableJobLog.h"
+#include "tools/lib/device/TableJobLog.h"
 
 namespace pctool {
 

@@ -7,11 +7,11 @@
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
 #include "tools/cli/VerifyMeasurementFiles.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/Plausibility.h"
-#include "tools/lib/TableSource.h"
-#include "tools/lib/Verify.h"
-#include "tools/lib/VerifyPage.h"
+#include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/tables/TableSource.h"
+#include "tools/lib/verify/Verify.h"
+#include "tools/lib/verify/VerifyPage.h"
 
 namespace pctool {
 namespace {

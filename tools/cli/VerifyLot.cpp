@@ -1,5 +1,5 @@
 // `verify --lot DIR...`: a production lot's predicted colour error, panel by panel, with its
-// yield, distribution and outliers (tools/lib/LotVerify.h).
+// yield, distribution and outliers (tools/lib/lot/LotVerify.h).
 #include <pchost/host.h>
 
 #include <cmath>
@@ -8,10 +8,10 @@
 
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
-#include "tools/lib/CliArgs.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/LotVerify.h"
-#include "tools/lib/ProgressBar.h"
+#include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/common/ProgressBar.h"
+#include "tools/lib/lot/LotVerify.h"
 
 namespace pctool {
 

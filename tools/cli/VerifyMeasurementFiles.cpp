@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "tools/cli/ExitStatus.h"
-#include "tools/lib/FileAccess.h"
-#include "tools/lib/PatchSets.h"
+#include "tools/lib/common/FileAccess.h"
+#include "tools/lib/measurements/PatchSets.h"
 
 namespace pctool {
 

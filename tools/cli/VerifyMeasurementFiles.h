@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "tools/lib/CalibrationFiles.h"
-#include "tools/lib/MeasuredVerify.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
+#include "tools/lib/verify/MeasuredVerify.h"
 
 namespace pctool {
 

@@ -1,4 +1,4 @@
-// Controls of the host platform layer. Only the plugin's device-access shim (core/DeviceIo.h,
+// Controls of the host platform layer. Only the plugin's device-access shim (base/DeviceIo.h,
 // host branch), host tools and tests include this; nothing of it exists on a device.
 #pragma once
 

@@ -1,0 +1,241 @@
+// Production lots: verify --lot's tables must be the plugin's own, bit for bit, and its outputs
+// must name the faulty panels whatever the thread count; mkdevice --lot's faults as planned.
+#include "tools/lib/lot/LotVerify.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
+#include "tests/tools/ToolRunner.h"
+#include "tools/lib/calibration/CalibrationFiles.h"
+#include "tools/lib/device/PanelTables.h"
+#include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/device/SyntheticDevice.h"
+#include "tools/lib/lot/ProductionLot.h"
+#include "tools/lib/tables/TableSource.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+using pctest::ToolRun;
+namespace fs = std::filesystem;
+
+class LotVerify : public pctest::ToolRunner {
+ protected:
+  // The plugin's tables of both displays of `device`, through simulate, in OUT/device.
+  void simulate(const std::string& device, const std::string& out) {
+    root.write("/session.txt", "init primary\ninit secondary\nwait-tables primary\nwait-tables secondary\n");
+    ToolRun r = run("simulate --device '" + device + "' --out " + out + " --session session.txt");
+    ASSERT_EQ(r.status, 0) << r.out << r.err;
+  }
+  // Generated in memory from `tree` against the cache simulate left in `simulated`.
+  void expectSameAsPlugin(const std::string& tree, const std::string& simulated) {
+    pctool::PropertyFile prop;
+    std::string error;
+    ASSERT_TRUE(prop.load(tree + postblend::Prop::kPath, error)) << error;
+    const postblend::PanelSwitches sw = prop.switches();
+    for (const auto& [name, panel] : prop.displayNames()) {
+      pctool::DisplayTables mine;
+      pctool::loadDisplayTables(tree, sw, name, panel, mine);
+      EXPECT_FALSE(mine.fromCache);
+      pctool::CacheContents plugin;
+      const std::string cache = simulated + postblend::Lut3DCacheManager::cachePath(panel);
+      ASSERT_TRUE(pctool::readCacheFile(cache, plugin, error)) << error;
+      EXPECT_EQ(static_cast<uint32_t>(mine.source), plugin.source) << name;
+      EXPECT_TRUE(same(mine.tables, plugin.tables)) << name;
+      // After the session the simulated tree holds the cache; like the plugin, the lot takes it
+      // unless it says golden although the identity matched (such a cache is made again).
+      pctool::DisplayTables cached;
+      pctool::loadDisplayTables(simulated, sw, name, panel, cached);
+      EXPECT_EQ(cached.fromCache, mine.source != 2) << cached.note;
+      EXPECT_EQ(cached.source, mine.source);
+      EXPECT_TRUE(same(cached.tables, mine.tables)) << name;
+      // The figures judge the panel by the same data, from the cache or not.
+      EXPECT_EQ(std::memcmp(cached.judge, mine.judge, sizeof mine.judge), 0) << name;
+    }
+  }
+  static bool same(const std::vector<postblend::lut3d_info>& a, const std::vector<postblend::lut3d_info>& b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(a[0])) == 0;
+  }
+  std::string csvRow(const std::string& csv, const std::string& start) {
+    const size_t at = csv.find("\n" + start);
+    return at == std::string::npos ? "" : csv.substr(at + 1, csv.find('\n', at + 1) - at - 1);
+  }
+};
+
+TEST_F(LotVerify, TablesAreThePluginsBitForBit) {
+  pctest::LogCapture quiet;  // the identity check logs as in the plugin
+  // The sample device: local data on both panels.
+  simulate(std::string(PC_SOURCE_DIR) + "/examples/device", "S");
+  expectSameAsPlugin(std::string(PC_SOURCE_DIR) + "/examples/device", dir + "/S/device");
+
+  // Golden data: a mismatched identity (source 1), and a corrupt local file (source 2); 6 tables
+  // without gamma correction or 100-nit targets.
+  ASSERT_EQ(run("mkdevice M --seed 9 --mismatch").status, 0);
+  simulate("M", "MS");
+  expectSameAsPlugin(dir + "/M", dir + "/MS/device");
+  ASSERT_EQ(run("mkdevice C --seed 9 --tables 6 --no-gamma --no-100nits").status, 0);
+  const std::string bad = "/C/mnt/vendor/persist/display/Loading_ON_2_max_d1.odf";
+  std::string bytes = root.read(bad);
+  bytes[40] ^= 0x10;
+  root.write(bad, bytes);
+  simulate("C", "CS");
+  expectSameAsPlugin(dir + "/C", dir + "/CS/device");
+}
+
+// Each panel's stamp file against its line of the driver's file; a missing one is no match.
+TEST_F(LotVerify, IdentityIsJudgedPerPanel) {
+  pctest::LogCapture quiet;  // the identity check logs as in the plugin
+  ASSERT_EQ(run("mkdevice D").status, 0);
+  EXPECT_TRUE(pctool::identityMatches(dir + "/D", 1));
+  root.remove("/D/mnt/vendor/persist/display/panel_id");
+  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 0)) << "no stamp";
+  root.write("/D/dev/tarnu_display", pctool::syntheticSerial(1, 0) + "\n");
+  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 1)) << "no serial number";
+}
+
+// Every panel off its own data is named, whatever the thread count; an unreadable tree too.
+TEST_F(LotVerify, FaultyPanelsAreNamedWhateverTheThreadCount) {
+  ASSERT_EQ(run("mkdevice --lot 12 L --seed 3").status, 0);
+  const ToolRun r = run("verify --lot L --csv l.csv --json l.json -j 1");
+  ASSERT_EQ(r.status, 0) << r.err;
+  const ToolRun two = run("verify --lot L --csv 2.csv --json 2.json -j 2");
+  EXPECT_EQ(r.out, two.out);
+  const std::string csv = root.read("/l.csv"), json = root.read("/l.json");
+  EXPECT_EQ(csv, root.read("/2.csv"));
+  EXPECT_EQ(json, root.read("/2.json"));
+  EXPECT_THAT(r.out, HasSubstr("tables: 1 golden, 2 golden although the identity matched, 9 local\n"));
+  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 12 * 8) << "one row per panel and mode";
+  for (const auto& p : pctool::planLot(12, 3)) {
+    const char* source = p.fault == pctool::LotFault::None              ? ",local,generated,"
+                         : p.fault == pctool::LotFault::MismatchedStamp ? ",golden,generated,golden,"
+                                                                         : ",golden although the identity matched,";
+    const std::string row = csvRow(csv, p.name + ",PanelCorvane_primary,1,Vivid,");
+    EXPECT_THAT(row, HasSubstr(source)) << p.name << " " << pctool::lotFaultName(p.fault) << ": " << row;
+    EXPECT_THAT(json, HasSubstr("{\"panel\":\"" + p.name + "\"")) << p.name;
+    // A faulty panel may pass on golden data; the summary still names it.
+    const bool named = r.out.find("not on its own optical data: " + p.name + " ") != std::string::npos;
+    EXPECT_EQ(named, p.fault != pctool::LotFault::None) << p.name << "\n" << r.out;
+  }
+  // A tree named on its own comes first, then the lot's trees in name order.
+  fs::remove(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
+  fs::create_directories(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
+  const ToolRun broken = run("verify --lot L/panel-0003 L --csv b.csv");
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_THAT(broken.err, HasSubstr("panel-0002/odm/etc/PanelCorvane/panelcorvane: "));
+  const std::string b = root.read("/b.csv");
+  EXPECT_THAT(b, HasSubstr("\npanel-0002,,,,,,,,,,unreadable,"));
+  EXPECT_LT(b.find("\npanel-0003,"), b.find("\npanel-0001,"));
+  EXPECT_LT(b.find("\npanel-0001,"), b.find("\npanel-0012,"));
+}
+
+TEST_F(LotVerify, YieldDistributionAndOutliers) {
+  auto panel = [](const std::string& name, std::vector<double> p95) {
+    pctool::LotPanelResult r;
+    r.name = name;
+    r.displays.push_back({"P", "local", false, "", {}, false});
+    for (size_t k = 0; k < p95.size(); ++k)
+      r.modes.push_back({"P", static_cast<int>(k), "m", "local", 0.1, p95[k], p95[k] + 2, p95[k] <= 2.0, ""});
+    return r;
+  };
+  std::vector<pctool::LotPanelResult> lot;
+  for (int i = 0; i < 8; ++i) lot.push_back(panel("p" + std::to_string(i), {0.5, 0.6 + 0.01 * i}));
+  lot.push_back(panel("slow", {0.5, 1.9}));   // passes, far above the rest
+  lot.push_back(panel("bad", {2.5, 0.4}));    // fails its first mode
+  lot.push_back(panel("none", {}));           // a display without tables never passes
+  lot.back().modes.push_back({"P", -1, "no tables", "", 0, 0, 0, false, "no usable optical data"});
+  pctool::LotPanelResult broken;
+  broken.name = "broken";
+  broken.error = "broken/odm/etc/PanelCorvane/panelcorvane: no such file";
+  lot.push_back(broken);
+
+  const pctool::LotSummary s = pctool::summariseLot(lot, 2.0);
+  EXPECT_EQ(s.panels, 12u);
+  EXPECT_EQ(s.passed, 9u);
+  EXPECT_EQ(s.unreadable, 1u);
+  EXPECT_DOUBLE_EQ(s.yield, 0.75);
+  size_t counted = 0;
+  for (size_t n : s.bins) counted += n;
+  EXPECT_EQ(counted, 20u) << "every mode with tables, once";
+  EXPECT_EQ(s.bins[static_cast<size_t>(2.5 / s.binWidth)], 1u);
+  ASSERT_EQ(s.outliers.size(), 4u);
+  EXPECT_THAT(s.outliers[0], StartsWith("slow: passes, but p95 dE00 1.90 is far above the lot"));
+  EXPECT_EQ(s.outliers[1], "bad: fails P m, p95 dE00 2.50");
+  EXPECT_EQ(s.outliers[2], "none: P has no tables (no usable optical data)");
+  EXPECT_THAT(s.outliers[3], StartsWith("broken: unreadable"));
+  EXPECT_THAT(pctool::lotSummaryText(s), HasSubstr("yield: 9 of 12 panels pass every mode (75.0 %)"));
+}
+
+using pctool::LotFault;
+
+TEST(ProductionLot, PlanHasAboutTwoPercentFaultsAndAtLeastOneOfEachFromTenPanels) {
+  const std::pair<unsigned, int> cases[] = {{9, 0}, {10, 3}, {12, 3}, {200, 4}, {1000, 20}};  // panels, faulty
+  for (const auto& [count, faulty] : cases) {
+    const auto lot = pctool::planLot(count, 7);
+    ASSERT_EQ(lot.size(), count);
+    std::map<LotFault, int> n;
+    for (const auto& p : lot) ++n[p.fault];
+    EXPECT_EQ(static_cast<int>(count) - n[LotFault::None], faulty) << count;
+    for (LotFault f : {LotFault::BadCrc, LotFault::MismatchedStamp, LotFault::MissingLocal})
+      EXPECT_GE(n[f], count >= 10 ? 1 : 0) << count << " " << pctool::lotFaultName(f);
+    std::set<unsigned> seeds;
+    for (const auto& p : lot) seeds.insert(p.seed);
+    EXPECT_EQ(seeds.size(), lot.size()) << "every panel is measured with its own seed";
+  }
+  const auto a = pctool::planLot(12, 3), b = pctool::planLot(12, 3), other = pctool::planLot(12, 4);
+  EXPECT_EQ(pctool::lotCsv(a), pctool::lotCsv(b));
+  EXPECT_NE(pctool::lotCsv(a), pctool::lotCsv(other));
+  EXPECT_EQ(a.front().name + " " + a.back().name, "panel-0001 panel-0012");
+}
+
+class LotTrees : public pctest::ToolRunner {};
+
+// One panel type, each unit its own data; lot.csv names the file each fault is in.
+TEST_F(LotTrees, OnePanelTypeEachUnitItsOwnData) {
+  pctest::LogCapture quiet;  // the identity check logs as in the plugin
+  const auto lot = pctool::planLot(12, 3);
+  std::string error;
+  ASSERT_TRUE(pctool::writeLot(dir + "/L", lot, 2, error)) << error;
+  EXPECT_EQ(root.read("/L/lot.csv"), pctool::lotCsv(lot));
+  for (const auto& p : lot) {
+    const std::string file = "/L/" + p.name + "/" + p.detail;
+    pctool::OpticalDataFile odf{};
+    pctool::OdfCheck check;
+    const bool refused = p.fault == LotFault::MissingLocal ? !root.exists(file)
+                         : p.fault == LotFault::BadCrc     ? !pctool::readOdfFile(root.host(file), odf, check, error)
+                         : p.fault == LotFault::MismatchedStamp ? !pctool::identityMatches(dir + "/L/" + p.name, 0)
+                                                                : true;
+    EXPECT_TRUE(refused) << p.name << " " << pctool::lotFaultName(p.fault) << " " << file;
+  }
+  const std::string odm = "/odm/etc/PanelCorvane/PanelCorvane_primary", persist = "/mnt/vendor/persist/display/";
+  for (const char* file : {"_2_max.odf", "_1_100nit.odf", "_Vivid.txt", "_LsRGB_100nits.txt"})
+    EXPECT_EQ(root.read("/L/panel-0001" + odm + file), root.read("/L/panel-0007" + odm + file)) << file;
+  EXPECT_NE(root.read("/L/panel-0001" + persist + "Loading_ON_2_max.odf"),
+            root.read("/L/panel-0007" + persist + "Loading_ON_2_max.odf"));
+  EXPECT_NE(root.read("/L/panel-0001" + persist + "panel_id"), root.read("/L/panel-0007" + persist + "panel_id"));
+}
+
+// An existing lot is replaced only on request, and only its own parts go.
+TEST_F(LotTrees, ReplacedOnlyOnRequest) {
+  ASSERT_EQ(run("mkdevice --lot 12 L --seed 3 -j 2").status, 0);
+  root.write("/L/notes.txt", "keep");
+  ToolRun r = run("mkdevice --lot 10 L");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_THAT(r.err, HasSubstr("L: not empty"));
+  r = run("mkdevice --lot 10 L --force");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_THAT(r.out, HasSubstr("removed 13 entries"));
+  EXPECT_FALSE(std::filesystem::exists(dir + "/L/panel-0011"));
+  EXPECT_TRUE(std::filesystem::exists(dir + "/L/notes.txt"));
+}
+
+}  // namespace

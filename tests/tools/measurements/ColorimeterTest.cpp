@@ -1,0 +1,209 @@
+// The colorimeter's side of the workbench, run through the tool: patch sets out, readings in.
+// ArgyllCMS's fakeread plays the instrument through a display profile, as dispread would.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "frontend/Lut3dGeneration.h"
+#include "tests/tools/ToolRunner.h"
+#include "tests/tools/WorkbenchFixtures.h"
+#include "tools/lib/measurements/PatchSets.h"
+#include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/DeviceGrid.h"
+#include "tools/lib/tables/LutApply.h"
+#include "tools/lib/verify/Verify.h"
+#include "tools/lib/verify/VerifyPage.h"
+
+using pctest::ToolRun;
+
+namespace {
+
+using ::testing::HasSubstr;
+
+// Display P3: its primaries and D65 white, as the profile Argyll ships declares them.
+const char kP3Profile[] = "/usr/share/color/argyll/ref/DisplayP3.icm";
+const double kP3[4][2] = {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.3127, 0.3290}};
+
+class Colorimeter : public pctest::ToolRunner {
+ protected:
+  void SetUp() override {
+    ToolRunner::SetUp();
+    root.write("/srgb.txt", "0.64 0.33 0.30 0.60 0.15 0.06 0.3127 0.3290 0.454545\n");
+    std::string err;
+    ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/identity.cube", pctest::identityTables(1)[0], "id", err)) << err;
+  }
+  void argyllOrSkip() {
+    if (!pctest::haveProgram("fakeread")) GTEST_SKIP() << "ArgyllCMS's fakeread is not installed";
+    if (access(kP3Profile, R_OK) != 0) GTEST_SKIP() << "no " << kP3Profile << " in this ArgyllCMS";
+  }
+  pctool::CgatsTable table(const std::string& name) {
+    pctool::CgatsFile f;
+    std::string err;
+    EXPECT_TRUE(pctool::readCgatsFile(dir + "/" + name, &f, &err)) << err;
+    return f.tables.empty() ? pctool::CgatsTable{} : f.tables[0];
+  }
+  // `base`.ti1 measured through the P3 profile into `base`.ti3.
+  void fakeread(const std::string& base) {
+    const std::string cmd = "cd '" + dir + "' && fakeread " + kP3Profile + " " + base + " > /dev/null 2>&1";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << "fakeread refused " << base << ".ti1";
+  }
+  // A .ti3 as an sRGB display at 400 cd/m2 would give for `patches`, absolute or not.
+  void sRgbReadings(const std::string& name, const std::vector<pctool::Patch>& patches, bool absolute) {
+    pctool::CgatsTable t = pctool::ti1Table(patches, "readings");
+    t.identifier = "CTI3";
+    if (absolute) t.keywords.push_back({"LUMINANCE_XYZ_CDM2", "380.19 400 435.53"});
+    root.write("/" + name, pctool::formatCgats(t));
+  }
+  // The panel's .odf and the target as the library reads them.
+  void readPanel() {
+    std::string err;
+    pctool::OdfCheck check;
+    int count = 0;
+    ASSERT_TRUE(pctool::readOdfFile(dir + "/panel.odf", odf, check, err)) << err;
+    ASSERT_TRUE(pctool::readTargetFile(dir + "/srgb.txt", target, count, err)) << err;
+  }
+  // The measured CIEDE2000 of post.ti3 beside the prediction for `lut`.
+  pctool::MeasuredCheck measuredAndPredicted(const postblend::lut3d_info& lut) {
+    pctool::Measurements m;
+    pctool::MeasuredCheck measured;
+    pctool::Prediction p;
+    std::string err;
+    EXPECT_TRUE(pctool::readMeasurements(dir + "/post.ti3", &m, &err)) << err;
+    EXPECT_TRUE(pctool::checkMeasured(m, target, &measured, &err)) << err;
+    EXPECT_TRUE(pctool::predict(lut, odf, target, p, err)) << err;
+    pctool::addPredicted(p, &measured);
+    return measured;
+  }
+  pctool::OpticalDataFile odf{};
+  pctool::TargetParm target{};
+};
+
+TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
+  ASSERT_EQ(run("odf patches --ti1 odf.ti1").status, 0);
+  pctool::CgatsTable t = table("odf.ti1");
+  EXPECT_EQ(t.identifier, "CTI1");
+  ASSERT_EQ(t.rows.size(), 11u);
+  EXPECT_EQ(t.rows[4][1], "87.5214");   // 12-bit level 3584
+  EXPECT_EQ(t.rows[10][3], "12.5031");  // level 512
+  ASSERT_EQ(run("verify --patches-ti1 verify.ti1").status, 0);
+  t = table("verify.ti1");
+  ASSERT_EQ(t.rows.size(), 29u);  // 21 reference colours and 17 grey levels, 9 of them shared
+  EXPECT_EQ(t.rows.back()[1], "94.1176");  // 8-bit grey 240
+
+  // Absolute readings are scaled back to cd/m2 (relative ones: a row of the command table).
+  sRgbReadings("abs.ti3", pctool::odfPatches(), true);
+  ASSERT_EQ(run("odf write abs.odf --ti3 abs.ti3").err, "");
+  ToolRun r = run("odf print abs.odf");
+  EXPECT_THAT(r.out, HasSubstr("white  X   380.1880  Y   400.0000"));
+
+  std::vector<pctool::Patch> patches = pctool::odfPatches();
+  patches.pop_back();
+  sRgbReadings("short.ti3", patches, true);
+  pctool::CgatsTable same = pctool::ti1Table(pctool::odfPatches(), "readings");
+  same.identifier = "CTI3";
+  for (int k = 4; k < 7; ++k) same.rows[2][k] = same.rows[1][k];  // green read as red
+  root.write("/same.ti3", pctool::formatCgats(same));
+  const std::pair<std::string, std::string> unusable[] = {
+      {"short.ti3", "short.ti3:1: no reading of grey 512 (RGB 12.5 12.5 12.5 %, within 0.5 %); x.odf not written"},
+      {"same.ti3", "impossible: red and green: coincide"},
+  };
+  for (const auto& [ti3, says] : unusable) {
+    r = run("odf write x.odf --ti3 " + ti3);  // nothing written from unusable readings
+    EXPECT_EQ(r.status, 1) << ti3;
+    EXPECT_THAT(r.err, HasSubstr(says));
+    EXPECT_FALSE(root.exists("/x.odf")) << ti3;
+  }
+
+  // An sRGB panel through an identity table against the sRGB target: nothing to correct.
+  sRgbReadings("post.ti3", pctool::verifyPatches(), false);
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --json");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_THAT(r.out, HasSubstr("\"measured\":{\"white_Y\":100.0000,\"absolute\":false"));
+  for (const char* key : {"\"name\":\"dark blue\",\"rgb\":[0,0,128]", "\"reference_summary\":{", "\"p95\":"})
+    EXPECT_THAT(r.out, HasSubstr(key));
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --png page.png");
+  if (pctool::verifyPageSupported()) {
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(root.read("/page.png").substr(1, 3), "PNG");
+  } else {
+    EXPECT_EQ(r.status, 1);
+    EXPECT_THAT(r.err, HasSubstr("without cairo"));
+  }
+  patches = pctool::verifyPatches();
+  patches.erase(patches.begin() + 5);  // grey 96
+  sRgbReadings("post.ti3", patches, false);
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "panelcorvane verify: post.ti3:1: no reading of grey 96 (RGB 37.65 37.65 37.65 %, within 0.5 %)\n");
+}
+
+// The whole loop, Argyll's P3 display as the panel: read through our patches, its table generated
+// by the plugin from those readings, the verification patches driven through it and read again.
+TEST_F(Colorimeter, AnArgyllPanelCalibratedFromItsOwnReadingsMeetsTheTarget) {
+  argyllOrSkip();
+  ASSERT_EQ(run("odf patches --ti1 panel.ti1").status, 0);
+  ASSERT_NO_FATAL_FAILURE(fakeread("panel"));
+  ASSERT_EQ(run("odf write panel.odf --ti3 panel.ti3").status, 0);
+  ASSERT_NO_FATAL_FAILURE(readPanel());
+  pctool::OdfValues values;
+  std::copy(std::begin(odf.values), std::end(odf.values), values.v);
+  const pctool::OdfMeasurements m = pctool::measurementsOf(values);
+  const double* xyz[4] = {m.red, m.green, m.blue, m.white};
+  for (int k = 0; k < 4; ++k) {
+    const double sum = xyz[k][0] + xyz[k][1] + xyz[k][2];
+    EXPECT_NEAR(xyz[k][0] / sum, kP3[k][0], 0.002) << "primary " << k;
+    EXPECT_NEAR(xyz[k][1] / sum, kP3[k][1], 0.002) << "primary " << k;
+  }
+  EXPECT_NEAR(m.greyY[3] / m.white[1], 0.214, 0.003);  // sRGB's curve: level 2048 shows 21.4 %
+
+  ASSERT_EQ(run("verify --patches-ti1 post.ti1").status, 0);
+  ASSERT_NO_FATAL_FAILURE(fakeread("post"));
+  ToolRun r = run("verify identity.cube --odf panel.odf --target srgb.txt --measured post.ti3");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_THAT(r.out, HasSubstr("measured error of the calibrated panel against the target (CIEDE2000, post.ti3"));
+  // A P3 panel showing sRGB content unconverted is off by several units in saturated colours.
+  pctool::MeasuredCheck measured = measuredAndPredicted(pctest::identityTables(1)[0]);
+  ASSERT_EQ(measured.reference.size(), 21u);
+  EXPECT_GT(measured.referenceSummary.max, 4);
+  for (const auto& c : measured.reference) EXPECT_NEAR(c.de, c.predictedDe, 0.1) << c.name;
+  // Below level 32 the model's curve through the .odf's grey levels leaves the profile's.
+  for (const auto& c : measured.grey) {
+    if (c.rgb[0] >= 32) {
+      EXPECT_NEAR(c.de, c.predictedDe, 0.3) << c.name;
+    }
+  }
+
+  auto lut = std::make_unique<postblend::lut3d_info>();
+  pctool::setDeviceGrid(*lut, 0);
+  postblend::fe::generateLut3D(odf, target, {}, *lut);
+
+  // Drive values through the table; the readings go back under the patches' own RGB.
+  const pctool::CgatsTable patches = table("post.ti1");
+  pctool::CgatsTable drive = patches;
+  const int rgb[3] = {drive.field("RGB_R"), drive.field("RGB_G"), drive.field("RGB_B")};
+  for (auto& row : drive.rows) {
+    const pctool::Rgb in{std::stod(row[rgb[0]]) / 100, std::stod(row[rgb[1]]) / 100, std::stod(row[rgb[2]]) / 100};
+    const pctool::Rgb out = pctool::sampleLut(*lut, in, pctool::Interp::Trilinear, pctool::NodeGrid::Device);
+    const double codes[3] = {out.r, out.g, out.b};
+    for (int c = 0; c < 3; ++c) row[rgb[c]] = std::to_string(codes[c] / 4095.0 * 100);
+  }
+  root.write("/drive.ti1", pctool::formatCgats(drive));
+  ASSERT_NO_FATAL_FAILURE(fakeread("drive"));
+  pctool::CgatsTable readings = table("drive.ti3");
+  ASSERT_EQ(readings.rows.size(), patches.rows.size());
+  for (size_t i = 0; i < readings.rows.size(); ++i)
+    for (int c = 0; c < 3; ++c) readings.rows[i][readings.field(drive.fields[rgb[c]])] = patches.rows[i][rgb[c]];
+  root.write("/post.ti3", pctool::formatCgats(readings));
+
+  measured = measuredAndPredicted(*lut);  // uncalibrated: up to 6.8 in saturated colours
+  EXPECT_LT(measured.referenceSummary.max, 2.5);
+  EXPECT_LT(measured.referenceSummary.mean, 1.0);
+  // The model's tone curve is weakest in dark colours (dark red: 0.8 predicted, 0.2 measured).
+  for (const auto& c : measured.reference) EXPECT_NEAR(c.de, c.predictedDe, 0.8) << c.name;
+}
+
+}  // namespace

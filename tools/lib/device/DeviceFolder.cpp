@@ -1,0 +1,136 @@
+#include "tools/lib/device/DeviceFolder.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include "cache/Lut3DCacheManager.h"
+#include "config/Prop.h"
+#include "frontend/TablePlan.h"
+#include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/tables/TableSource.h"
+
+namespace pctool {
+
+namespace fs = std::filesystem;
+namespace fe = postblend::fe;
+
+namespace {
+
+void addTargets(const std::string& dir, const std::string& name, PanelReport& rep) {
+  std::string why;
+  for (int file = 0; file < fe::kTargetFiles; ++file) {
+    const std::string path = fe::targetPath(name, file);
+    if (!fs::exists(dir + path)) continue;
+    ReportTarget t;
+    t.mode = fe::kModeNames[file % fe::kModes];
+    t.nits100 = file >= fe::kModes;
+    if (!readTargetFile(dir + path, t.target, t.count, why)) {
+      rep.notes.push_back(path + ": " + why);
+      continue;
+    }
+    for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(path + ": " + f.line());
+    rep.targets.push_back(t);
+  }
+}
+
+int targetIndex(const PanelReport& rep, const std::string& mode, bool nits100) {
+  for (size_t i = 0; i < rep.targets.size(); ++i)
+    if (rep.targets[i].mode == mode && rep.targets[i].nits100 == nits100) return static_cast<int>(i);
+  return -1;
+}
+
+// The four measurement sets the tables came from, or - without a cache - the ones the plugin
+// would try first.
+void addOpticalData(const std::string& dir, const DataSource& source, uint32_t panel, const std::string& name,
+                    PanelReport& rep) {
+  std::vector<std::string> paths = source.odfPaths;
+  if (paths.empty()) {
+    const bool local = fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Local, panel, name, 0));
+    for (int s = 0; s < fe::kOdfSets; ++s)
+      paths.push_back(fe::opticalDataPath(local ? fe::OdfOrigin::Local : fe::OdfOrigin::Golden, panel, name, s));
+    rep.sourceText += local ? "; shown: the local data, which the plugin tries first"
+                            : "; shown: the golden data (no local data)";
+  }
+  std::string why;
+  for (int s = 0; s < fe::kOdfSets; ++s) {
+    ReportOdf o;
+    o.set = fe::kOdfSetNames[s];
+    o.path = paths[static_cast<size_t>(s)];
+    OdfCheck check;
+    if (!readOdfFile(dir + o.path, o.odf, check, why)) {
+      rep.notes.push_back(o.path + ": " + why);
+      continue;
+    }
+    for (const auto& f : checkOpticalData(o.odf.values)) rep.notes.push_back(o.path + ": " + f.line());
+    rep.odfs.push_back(o);
+  }
+}
+
+void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelReport& rep) {
+  const std::string cache = postblend::Lut3DCacheManager::cachePath(panel == 0 ? 0 : 1);
+  if (!fs::exists(dir + cache)) {
+    rep.notes.push_back(cache + " not found: no tables (run the plugin once to fill the cache)");
+    return;
+  }
+  std::vector<LoadedTable> tables;
+  std::string why;
+  if (!loadTables(dir + cache, tables, why)) {
+    rep.notes.push_back(cache + ": " + why);
+    return;
+  }
+  rep.tablesText = "tables: " + cache + ", " + std::to_string(tables.size()) + " tables";
+  for (uint32_t k = 0; k < tables.size(); ++k) {
+    ReportTable t{cacheTableName(k), tables[k].lut};
+    if (k < fe::kMaxTables) {
+      const fe::TableInputs in = fe::tableInputs(static_cast<int>(k), use100nits);
+      for (size_t o = 0; o < rep.odfs.size(); ++o)
+        if (rep.odfs[o].set == fe::kOdfSetNames[in.odf]) t.odf = static_cast<int>(o);
+      t.target = targetIndex(rep, fe::kModeNames[in.target % fe::kModes], in.target >= fe::kModes);
+    }
+    rep.tables.push_back(t);
+  }
+}
+
+}  // namespace
+
+std::string cacheTableName(uint32_t index) {
+  std::string s = std::to_string(index) + " " + (index / 2 < fe::kModes ? fe::kModeNames[index / 2] : "table");
+  return index % 2 == 0 ? s + " 100-nit" : s;
+}
+
+bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::string& error,
+                          const std::vector<TableJob>* jobs) {
+  out.clear();
+  PropertyFile prop;
+  if (!prop.load(dir + postblend::Prop::kPath, error)) {
+    error = std::string(postblend::Prop::kPath) + ": " + error;
+    return false;
+  }
+  const bool use100nits = prop.switches().use100nits;
+  for (const auto& [name, panel] : prop.displayNames()) {
+    if (!fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0))) continue;
+    PanelReport rep;
+    rep.displayName = name;
+    rep.panelName = name + " (panel " + std::to_string(panel) + ")";
+    uint32_t trailer = 0;
+    std::string why;
+    const bool haveCache = readCacheSource(dir, panel, trailer, why);
+    const DataSource source = describeDataSource(haveCache ? static_cast<int>(trailer) : -1,
+                                                 jobs ? lastJobOf(*jobs, name) : nullptr, panel, name);
+    rep.sourceText = "optical data: " + source.statement();
+    addTargets(dir, name, rep);
+    addOpticalData(dir, source, panel, name, rep);
+    addTables(dir, panel, use100nits, rep);
+    out.push_back(std::move(rep));
+  }
+  if (out.empty()) {
+    error = "no panel found (no display name of the property file has " + std::string(fe::kOdmDir) + "<name>_1_max.odf)";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace pctool
