@@ -82,17 +82,14 @@ TEST_F(PropTest, FileLinesKeysAndDefaults) {
   EXPECT_EQ(empty.GetValueByKey("GCDisable", 7), 7);
   EXPECT_EQ(log.countContaining("can not find"), 0) << "an empty file answers without a word";
 
-  Prop p = load("# comment=1\nLogLevel = 3\nParamVersion=12=13\n=5\nFWVersion=707584\r\n"
-                "CMDebug=1\nCMDebug=0\nGammaCorrection=01\nPanelNitsCalibration=2\nPanelCalibration=1");
-  EXPECT_EQ(p.entryCount(), 8u) << "duplicates count, skipped lines do not";
+  // The switches' meaning is PanelSwitches'; here the file's lines reach them.
+  Prop p = load("LogLevel = 3\nParamVersion=12=13\n=5\nCMDebug=1\nCMDebug=0\nPanelCalibration=1");
+  EXPECT_EQ(p.entryCount(), 5u) << "duplicates count";
   EXPECT_EQ(p.GetLogLevel(), 1) << "'LogLevel ' with its space is another key";
   EXPECT_EQ(p.GetParamVersion(), 12);
   EXPECT_EQ(p.GetValueByKey("", 0), 5) << "'=5' defines the empty key";
-  EXPECT_EQ(p.GetFWVersion(), 707584);
   EXPECT_TRUE(p.IsCMDebugOn()) << "first occurrence wins";
-  EXPECT_TRUE(p.IsGammaCorrectionOn());
   EXPECT_FALSE(p.IsPanelCalibrationOn()) << "a last line without line feed is ignored";
-  EXPECT_FALSE(p.IsPanelNitsCalibrationOn()) << "a switch is on at 1 only";
   EXPECT_EQ(p.GetPanelId("missing"), 0u);
   EXPECT_TRUE(log.has("1-GetPanelId: can not find missing"));
   EXPECT_EQ(p.GetValueByKey("nokey"), nullptr);
