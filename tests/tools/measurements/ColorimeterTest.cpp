@@ -55,6 +55,7 @@ class Colorimeter : public pctest::ToolRunner {
   void sRgbReadings(const std::string& name, const std::vector<pctool::Patch>& patches, bool absolute) {
     pctool::CgatsTable t = pctool::ti1Table(patches, "readings");
     t.identifier = "CTI3";
+    t.keywords.push_back({"DEVICE_CLASS", "DISPLAY"});
     if (absolute) t.keywords.push_back({"LUMINANCE_XYZ_CDM2", "380.19 400 435.53"});
     root.write("/" + name, pctool::formatCgats(t));
   }
@@ -86,13 +87,14 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   ASSERT_EQ(run("odf patches --ti1 odf.ti1").status, 0);
   pctool::CgatsTable t = table("odf.ti1");
   EXPECT_EQ(t.identifier, "CTI1");
-  ASSERT_EQ(t.rows.size(), 11u);
+  ASSERT_EQ(t.rows.size(), 15u);        // black and three near-black levels after the eleven
   EXPECT_EQ(t.rows[4][1], "87.5214");   // 12-bit level 3584
   EXPECT_EQ(t.rows[10][3], "12.5031");  // level 512
+  EXPECT_EQ(t.rows[14][3], "1.56288");  // level 64
   ASSERT_EQ(run("verify --patches-ti1 verify.ti1").status, 0);
   t = table("verify.ti1");
-  ASSERT_EQ(t.rows.size(), 29u);  // 21 reference colours and 17 grey levels, 9 of them shared
-  EXPECT_EQ(t.rows.back()[1], "94.1176");  // 8-bit grey 240
+  ASSERT_EQ(t.rows.size(), 32u);  // 21 reference colours, 17 grey levels (9 shared), 3 near black
+  EXPECT_EQ(t.rows[28][1], "94.1176");  // 8-bit grey 240
 
   // Absolute readings are scaled back to cd/m2 (relative ones: a row of the command table).
   sRgbReadings("abs.ti3", pctool::odfPatches(), true);
@@ -101,14 +103,14 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   EXPECT_THAT(r.out, HasSubstr("white  X   380.1880  Y   400.0000"));
 
   std::vector<pctool::Patch> patches = pctool::odfPatches();
-  patches.pop_back();
+  patches.erase(patches.begin() + 10);  // level 512
   sRgbReadings("short.ti3", patches, true);
   pctool::CgatsTable same = pctool::ti1Table(pctool::odfPatches(), "readings");
   same.identifier = "CTI3";
   for (int k = 4; k < 7; ++k) same.rows[2][k] = same.rows[1][k];  // green read as red
   root.write("/same.ti3", pctool::formatCgats(same));
   const std::pair<std::string, std::string> unusable[] = {
-      {"short.ti3", "short.ti3:1: no reading of grey 512 (RGB 12.5 12.5 12.5 %, within 0.5 %); x.odf not written"},
+      {"short.ti3", "short.ti3:1: no reading of grey 512 (RGB 12.5031 12.5031 12.5031 %); x.odf not written"},
       {"same.ti3", "impossible: red and green: coincide"},
   };
   for (const auto& [ti3, says] : unusable) {
@@ -138,7 +140,22 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   sRgbReadings("post.ti3", patches, false);
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3");
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "panelcorvane verify: post.ti3:1: no reading of grey 96 (RGB 37.65 37.65 37.65 %, within 0.5 %)\n");
+  EXPECT_EQ(r.err, "panelcorvane verify: post.ti3:1: no reading of grey 96 (RGB 37.6471 37.6471 37.6471 %)\n");
+
+  // The engineer's own chart: five patches, reported each and in aggregate; readings of another
+  // set are refused by row.
+  const std::vector<pctool::Patch> chart = {pctool::writtenPatch("W", 100, 100, 100), pctool::writtenPatch("R", 100, 0, 0),
+                                            pctool::writtenPatch("G50", 0, 50, 0), pctool::writtenPatch("K", 0, 0, 0),
+                                            pctool::writtenPatch("M", 33.3, 33.3, 33.3)};
+  root.write("/chart.ti1", pctool::formatCgats(pctool::ti1Table(chart, "chart")));
+  sRgbReadings("chart.ti3", chart, true);
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured chart.ti3 --chart chart.ti1");
+  ASSERT_EQ(r.status, 0) << r.err;
+  for (const char* says : {"chart: 5 patches, mean 0.13, 95th percentile 0.35, max 0.35", "white: Y 400.00 cd/m2, x 0.3127 y "
+                           "0.3290, 6505 K, duv +0.0033", "black: Y 0 (below the instrument's floor)", "RGB 33.3 33.3 33.3 %"})
+    EXPECT_THAT(r.out, HasSubstr(says));
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --chart chart.ti1");
+  EXPECT_THAT(r.err, HasSubstr("reads none of the chart chart.ti1"));
 }
 
 // The whole loop, Argyll's P3 display as the panel: read through our patches, its table generated
