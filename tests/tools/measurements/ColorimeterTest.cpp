@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "frontend/Lut3dGeneration.h"
@@ -16,6 +18,7 @@
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/tables/LutApply.h"
 #include "tools/lib/verify/Verify.h"
+#include "tools/lib/verify/PanelProfile.h"
 #include "tools/lib/verify/VerifyPage.h"
 
 using pctest::ToolRun;
@@ -156,6 +159,35 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
     EXPECT_THAT(r.out, HasSubstr(says));
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --chart chart.ti1");
   EXPECT_THAT(r.err, HasSubstr("reads none of the chart chart.ti1"));
+}
+
+// The panel's ICC profile, and the calibrated panel's, give the panel's readings back through
+// Little CMS's transicc within 0.2 % of white's luminance; ArgyllCMS reads them too.
+TEST_F(Colorimeter, ProfilesGiveTheReadingsBack) {
+  if (!pctool::iccSupported() || !pctest::haveProgram("transicc")) GTEST_SKIP() << "no Little CMS or no transicc";
+  sRgbReadings("abs.ti3", pctool::odfPatches(), true);
+  ASSERT_EQ(run("odf write abs.odf --ti3 abs.ti3").status, 0);
+  ASSERT_EQ(run("odf icc abs.odf panel.icc").status, 0);
+  ASSERT_EQ(run("verify identity.cube --odf abs.odf --target srgb.txt --icc calibrated.icc").status, 0);
+  // sRGB's primaries adapted to the D50 of the profile connection space, and the grey level 3584.
+  const double expected[4][3] = {{43.607, 22.250, 1.393}, {38.515, 71.687, 9.708}, {14.307, 6.061, 71.410},
+                                 {71.277, 73.925, 60.981}};
+  for (const char* icc : {"panel.icc", "calibrated.icc"}) {
+    const std::string cmd = "cd '" + dir + "' && printf '255 0 0\\n0 255 0\\n0 0 255\\n223.214 223.214 223.214\\n' | transicc -n -i " +
+                            icc + " -o '*XYZ' > xyz.txt 2>/dev/null";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << icc;
+    std::istringstream xyz(root.read("/xyz.txt"));
+    for (const auto& e : expected)
+      for (double v : e) {
+        double got = NAN;
+        xyz >> got;
+        EXPECT_NEAR(got, v, 0.2) << icc;
+      }
+  }
+  if (pctest::haveProgram("iccdump")) {
+    ASSERT_EQ(std::system(("iccdump -v3 -t lumi '" + dir + "/panel.icc' > '" + dir + "/lumi.txt'").c_str()), 0);
+    EXPECT_THAT(root.read("/lumi.txt"), HasSubstr("0.00000000, 400.00000000, 0.00000000"));
+  }
 }
 
 // The whole loop, Argyll's P3 display as the panel: read through our patches, its table generated

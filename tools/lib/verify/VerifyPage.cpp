@@ -35,13 +35,13 @@ void rect(cairo_t* cr, const Colour& c, double x, double y0, double w, double y1
   cairo_fill(cr);
 }
 
-// A value beyond the axis: a triangle at its edge and, the `k`-th of its bar, the value below
+// A value beyond the axis: a triangle over its edge and, the `k`-th of its bar, the value below
 // it on a white ground.
 void beyondMark(cairo_t* cr, const Frame& f, double x, double v, const Colour& c, int k) {
   setColour(cr, c);
-  cairo_move_to(cr, x - 5, f.py(f.y1) + 7);
-  cairo_line_to(cr, x + 5, f.py(f.y1) + 7);
-  cairo_line_to(cr, x, f.py(f.y1) - 1);
+  cairo_move_to(cr, x - 5, f.py(f.y1) - 1);
+  cairo_line_to(cr, x + 5, f.py(f.y1) - 1);
+  cairo_line_to(cr, x, f.py(f.y1) - 9);
   cairo_close_path(cr);
   cairo_fill(cr);
   const double y = f.py(f.y1) + 22 + 15 * k;
@@ -101,7 +101,7 @@ void chart(cairo_t* cr, double x, double w, const VerifyPagePlan::Chart& set, co
   drawText(cr, f.x + w - 4, f.py(plan.limit) - 5, printfString("pass limit %.2f", plan.limit), 12, Align::Right);
 }
 
-void legend(cairo_t* cr, double x, double y, bool measured) {
+void legend(cairo_t* cr, double x, double y, bool measured, bool without) {
   rect(cr, kPredicted, x, y - 11, 22, y + 1);
   cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
   drawText(cr, x + 30, y, "predicted from the optical data", 14);
@@ -112,6 +112,7 @@ void legend(cairo_t* cr, double x, double y, bool measured) {
     drawText(cr, x + 30, y, "measured with the table applied", 14);
     x += 290;
   }
+  if (!without) return;
   setColour(cr, kWithout);
   cairo_set_line_width(cr, 2.5);
   cairo_move_to(cr, x, y - 5);
@@ -137,7 +138,7 @@ bool drawVerifyPage(const std::string& path, const VerifyResult& r, double limit
   drawText(cr, 40, 44, plan.title, 26, Align::Left, true);
   const size_t lines = std::min<size_t>(plan.subtitle.size(), 5);
   for (size_t i = 0; i < lines; ++i) drawText(cr, 40, 72 + 20 * i, plan.subtitle[i], 15);
-  legend(cr, 40, 80 + 20 * lines, r.hasMeasured);
+  legend(cr, 40, 80 + 20 * lines, r.hasMeasured, !(r.hasMeasured && !r.measured.chart.empty()));
   chart(cr, 90, 1050, plan.charts[0], plan);
   chart(cr, 1230, 490, plan.charts[1], plan);
   return finishPng(cr, surface, path, error);
