@@ -142,9 +142,10 @@ TEST(VerifyPage, NamesItsSubjectAndShowsFarValuesAtTheEdge) {
   const pctool::VerifyPagePlan plan = pctool::planVerifyPage(r, 2.0);
   EXPECT_EQ(plan.title, "Verification: Vivid, full brightness");
   EXPECT_EQ(plan.subtitle[0], "mode: Vivid, full brightness     table: cofc.fw table 1 of 8 (table cache)");
-  EXPECT_EQ(plan.subtitle[2], "note: the table of Vivid, full brightness is made from measurement set 2_max; the "
+  EXPECT_EQ(plan.subtitle[3], "note: the table of Vivid, full brightness is made from measurement set 2_max; the "
                               "optical data given is set 1_max");
-  EXPECT_EQ(plan.subtitle[4].rfind("grey ramp: predicted mean ", 0), 0u);
+  EXPECT_EQ(plan.subtitle[4].rfind("white: 500.0 cd/m2, 6507 K", 0), 0u) << plan.subtitle[4];
+  EXPECT_EQ(plan.subtitle[6].rfind("grey ramp: predicted mean ", 0), 0u);
   EXPECT_EQ(plan.top, 6);  // three times the limit, though the identity leaves 6.83 in red
   EXPECT_EQ(plan.beyond, (std::vector<std::string>{"red: predicted 6.83", "red: without the table 6.83"}));
   pctool::LoadedTable cube{pctool::FileKind::Cube, "x.cube", nullptr, {}};

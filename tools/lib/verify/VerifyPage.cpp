@@ -58,7 +58,7 @@ void beyondMark(cairo_t* cr, const Frame& f, double x, double v, const Colour& c
 void chart(cairo_t* cr, double x, double w, const VerifyPagePlan::Chart& set, const VerifyPagePlan& plan) {
   const double top = plan.top;
   const size_t n = std::max<size_t>(set.bars.size(), 1);
-  const Frame f{x, 215, w, 430, 0, static_cast<double>(n), 0, top};
+  const Frame f{x, 270, w, 400, 0, static_cast<double>(n), 0, top};
   drawAxes(cr, f, 1e9, top > 8 ? 2 : top > 3 ? 1 : 0.5, "", top > 3 ? "%.0f" : "%.1f", "", "CIEDE2000", set.title);
   const double slot = w / n;
   for (size_t i = 0; i < set.bars.size(); ++i) {
@@ -136,7 +136,7 @@ bool drawVerifyPage(const std::string& path, const VerifyResult& r, double limit
   cairo_paint(cr);
   cairo_set_source_rgb(cr, 0.05, 0.05, 0.05);
   drawText(cr, 40, 44, plan.title, 26, Align::Left, true);
-  const size_t lines = std::min<size_t>(plan.subtitle.size(), 5);
+  const size_t lines = std::min<size_t>(plan.subtitle.size(), 8);
   for (size_t i = 0; i < lines; ++i) drawText(cr, 40, 72 + 20 * i, plan.subtitle[i], 15);
   legend(cr, 40, 80 + 20 * lines, r.hasMeasured, !(r.hasMeasured && !r.measured.chart.empty()));
   chart(cr, 90, 1050, plan.charts[0], plan);

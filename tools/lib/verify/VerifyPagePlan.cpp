@@ -41,9 +41,14 @@ VerifyPagePlan planVerifyPage(const VerifyResult& r, double limit) {
   const VerifySubject& s = r.subject;
   plan.title = "Verification: " + (s.mode.empty() ? r.label : s.mode);
   const std::vector<std::string> what = s.lines();
-  plan.subtitle = {what[0] + "     " + what[1], what[2] + "     " + what[3]};
+  plan.subtitle = {what[0] + "     " + what[1], what[2], what[3]};
   for (const auto& n : s.notes) plan.subtitle.push_back("note: " + n);
   const Prediction& p = r.prediction;
+  const WhiteFigures& w = p.white;
+  plan.subtitle.push_back(printfString("white: %.1f cd/m2, %.0f K, duv %+.4f without the table; %.1f cd/m2, %.0f K, duv "
+                                       "%+.4f through it (the correction costs %.1f %%); target %.0f K, duv %+.4f",
+                                       w.panel.Y, w.panel.cct, w.panel.duv, w.calibrated.Y, w.calibrated.cct,
+                                       w.calibrated.duv, w.costPercent, w.target.cct, w.target.duv));
   const MeasuredCheck& m = r.measured;
   const std::string source =
       r.hasMeasured ? printfString(" (%s, white Y %.1f%s)", m.source.c_str(), m.white.Y, m.absolute ? " cd/m2" : "") : "";
