@@ -50,8 +50,14 @@ VerifyPagePlan planVerifyPage(const VerifyResult& r, double limit) {
                                        w.panel.Y, w.panel.cct, w.panel.duv, w.calibrated.Y, w.calibrated.cct,
                                        w.calibrated.duv, w.costPercent, w.target.cct, w.target.duv));
   const MeasuredCheck& m = r.measured;
-  const std::string source =
-      r.hasMeasured ? printfString(" (%s, white Y %.1f%s)", m.source.c_str(), m.white.Y, m.absolute ? " cd/m2" : "") : "";
+  if (r.hasMeasured) {
+    const std::string contrast =
+        m.hasBlack && m.blackY > 0 ? printfString(", black %.4g, contrast %.0f:1", m.blackY, m.white.Y / m.blackY) : "";
+    plan.subtitle.push_back(printfString("measured white: %.1f%s, %.0f K, duv %+.4f", m.white.Y,
+                                         m.absolute ? " cd/m2" : " (relative)", m.white.cct, m.white.duv) +
+                            contrast);
+  }
+  const std::string source = r.hasMeasured ? " (" + m.source + ")" : "";
   if (r.hasMeasured && !m.chart.empty()) {
     std::vector<size_t> all(m.chartPatches.size()), greys;
     for (size_t i = 0; i < all.size(); ++i) {
