@@ -101,7 +101,10 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
 
   // Absolute readings are scaled back to cd/m2 (relative ones: a row of the command table).
   sRgbReadings("abs.ti3", pctool::odfPatches(), true);
-  ASSERT_EQ(run("odf write abs.odf --ti3 abs.ti3").err, "");
+  ToolRun w = run("odf write abs.odf --ti3 abs.ti3");
+  ASSERT_EQ(w.err, "");
+  EXPECT_THAT(w.out, HasSubstr("the panel model carries level 512's exponent (2.041) down to black; measured grey 256 "
+                               "exponent 1.900"));
   ToolRun r = run("odf print abs.odf");
   EXPECT_THAT(r.out, HasSubstr("white  X   380.1880  Y   400.0000"));
 
@@ -128,7 +131,8 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --json");
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_THAT(r.out, HasSubstr("\"measured\":{\"white_Y\":100.0000,\"absolute\":false"));
-  for (const char* key : {"\"name\":\"dark blue\",\"rgb\":[0,0,128]", "\"reference_summary\":{", "\"p95\":"})
+  for (const char* key : {"\"name\":\"dark blue\",\"rgb\":[0,0,128]", "\"reference_summary\":{", "\"p95\":",
+                          "\"white\":{\"without_table\":{\"Y\":400.0000", "\"near_black\":[{\"name\":\"grey 4\""})
     EXPECT_THAT(r.out, HasSubstr(key));
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --png page.png");
   if (pctool::verifyPageSupported()) {
