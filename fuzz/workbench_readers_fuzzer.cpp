@@ -1,8 +1,10 @@
 // The workbench's readers of what engineers hand it: .cube files, session scripts, the measurement
 // text of `odf write`, `inspect` (which must name any file's kind: cache, LUT text, .odf, .cube or
 // unknown, and read it as that kind), CGATS colorimeter files (.ti3) through to an .odf and a
-// measured verification, and the colour lists `apply` takes. Input: one byte choosing the reader
-// (0 .cube, 1 session, 2 measurement text, 3 inspect, 4 CGATS, 5 colour list), then the bytes.
+// measured verification (a chart's too), and the colour lists `apply` takes. A measurement text
+// that is accepted must give floats the file can hold. Input: one byte choosing the reader (0
+// .cube, 1 session, 2 measurement text, 3 inspect, 4 CGATS, 5 colour list), then the bytes.
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <sstream>
@@ -36,7 +38,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::function<void()> readers[] = {
       [&] { pctool::CubeFile::parse(in, *lut, 0, cube, error); },
       [&] { pctool::parseSession(text, &steps, &error); },
-      [&] { pctool::parseOdfText(in, "fuzz", &values, &error); },
+      [&] {  // every text accepted gives floats the file can hold
+        if (!pctool::parseOdfText(in, "fuzz", &values, &error)) return;
+        for (float v : values.v)
+          if (!std::isfinite(v)) __builtin_trap();
+      },
       [&] {  // inspect and the table loader open files by path
         pcfuzz::writeDeviceFile("/inspect-input", data + 1, size - 1);
         pctool::inspectFile(path, info, error);
@@ -46,15 +52,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       [&] {  // a colorimeter's measurements through to an .odf and a verification against sRGB
         pctool::CgatsFile file;
         pctool::Measurements m;
-        if (!pctool::parseCgats(text, "fuzz", &file, &error) ||
-            !pctool::measurementsFromCgats(file, "fuzz", &m, &error))
-          return;
+        std::vector<pctool::Patch> chart;
+        if (!pctool::parseCgats(text, "fuzz", &file, &error)) return;
+        const bool isChart = pctool::chartPatches(file, "fuzz", &chart, &error);
+        if (!pctool::measurementsFromCgats(file, "fuzz", &m, &error)) return;
         std::vector<std::string> warnings;
         pctool::odfFromMeasurements(m, &values, &warnings, &error);
         const pctool::TargetParm srgb{
             {0.64f, 0.33f, 0.30f, 0.60f, 0.15f, 0.06f, 0.3127f, 0.3290f, 0.4545f}};
         pctool::MeasuredCheck check;
         pctool::checkMeasured(m, srgb, &check, &error);
+        if (isChart) pctool::checkMeasured(m, srgb, &check, &error, &chart, "chart");
       },
       [&] {
         if (!pctool::ColourCsv::parse(text, list, error)) return;

@@ -12,6 +12,7 @@
 #include "tools/lib/calibration/OdfWriter.h"
 #include "tools/lib/calibration/Plausibility.h"
 #include "tools/lib/common/FileAccess.h"
+#include "tools/lib/verify/PanelProfile.h"
 
 namespace pctool {
 namespace {
@@ -21,26 +22,38 @@ const char kHelp[] =
     "       panelcorvane odf write OUT [MEASUREMENTS.txt]\n"
     "       panelcorvane odf write OUT --ti3 FILE\n"
     "       panelcorvane odf patches --ti1 OUT\n"
+    "       panelcorvane odf icc FILE OUT.icc\n"
     "\n"
     "print: shows the measurements the plugin reads from an optical data file (XYZ and\n"
     "chromaticity of red, green, blue and white, the grey ramp with its exponent per level)\n"
-    "and the checksum verdict with the stored and the computed value.\n"
+    "and the checksum verdict with the stored and the computed value. A file longer than 510\n"
+    "bytes is warned about (the plugin reads its first 510), as is a float outside the\n"
+    "measured fields that is not finite.\n"
     "\n"
     "write: builds a 510-byte optical data file with its checksum from measured values, read\n"
     "from MEASUREMENTS.txt or standard input, one item per line ('#' starts a comment):\n"
     "  red X Y Z | green X Y Z | blue X Y Z | white X Y Z\n"
     "  grey LEVEL Y        LEVEL one of 3584 3072 2560 2048 1536 1024 512 (all seven)\n"
     "  value INDEX NUMBER  raw float position 0..126, applied last\n"
-    "With --ti3 the values come from a CGATS .ti3 of colorimeter readings (ArgyllCMS dispread,\n"
-    "spotread, fakeread; its CTI3 table, else its first): each patch of 'odf patches' is the row\n"
-    "whose RGB_R RGB_G RGB_B are within 0.5 % of its drive values (repeats are averaged), with\n"
-    "XYZ from XYZ_X XYZ_Y XYZ_Z. With LUMINANCE_XYZ_CDM2 in the header (absolute readings, XYZ\n"
-    "normalised to white Y = 100) the XYZ are scaled to cd/m2; without it they are taken as\n"
-    "they are, with a warning. XYZ slightly below zero (within 0.2 % of white's Y) count as 0.\n"
+    "Every number must round to a finite float, as the file stores it (not 5e39).\n"
+    "With --ti3 the values come from the CTI3 table of a CGATS .ti3 of a display's readings\n"
+    "(ArgyllCMS dispread, spotread, fakeread; a CTI1 of nominal values or a DEVICE_CLASS other\n"
+    "than DISPLAY is refused). Every row must read a patch of 'odf patches' - its RGB_R RGB_G\n"
+    "RGB_B the patch's drive values at the precision written - and every patch but the optional\n"
+    "black and near-black ones needs a reading; repeats are averaged when they agree within\n"
+    "1.0 dE00, else refused. XYZ from XYZ_X XYZ_Y XYZ_Z; with LUMINANCE_XYZ_CDM2 in the header\n"
+    "(absolute readings, XYZ normalised to white Y = 100) they are scaled to cd/m2; without it\n"
+    "they are taken as they are, with a warning. XYZ slightly below zero (within 0.2 % of\n"
+    "white's Y) count as 0. Black, the contrast and the near-black exponents are printed: the\n"
+    "file cannot hold them.\n"
     "\n"
     "patches: writes the patch set an optical data file holds as a CGATS .ti1 for dispread or\n"
-    "fakeread: white, red, green, blue and grey levels 3584 .. 512, 12-bit level L driven at\n"
-    "100 * L / 4095 %.\n"
+    "fakeread: white, red, green, blue, grey levels 3584 .. 512, black and near-black levels\n"
+    "256 128 64 (12-bit level L driven at 100 * L / 4095 %).\n"
+    "\n"
+    "icc: writes the panel's ICC display profile (version 2.4, matrix and tone curves, with\n"
+    "Little CMS) from one measurement set: its primaries, white, luminance and the grey ramp\n"
+    "through the panel model.\n"
     "\n"
     "print and write check that the data describes a panel that can exist, naming the field:\n"
     "  refused (print: exit 1 after the values; write: exit 1, nothing written): a value that\n"
@@ -84,7 +97,9 @@ int print(const std::string& path) {
   OdfValues values;
   std::copy(std::begin(odf.values), std::end(odf.values), values.v);
   const OdfMeasurements m = measurementsOf(values);
-  printf("%s\n", path.c_str());
+  const std::string padded = odfLengthWarning(check);
+  printf("%s%s\n", path.c_str(), padded.empty() ? "" : " (the first 510 bytes, as the plugin reads them)");
+  if (!padded.empty()) fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), padded.c_str());
   printXyz("red", m.red);
   printXyz("green", m.green);
   printXyz("blue", m.blue);
@@ -120,6 +135,17 @@ int write(const std::string& out, const std::string* textPath) {
       return kBadInput;
     }
     std::ifstream in(*textPath);
+    // An optical data file is no measurement text: re-stamping one (a padded one, say) would
+    // carry bytes the plugin never reads.
+    std::string head(4096, '\0');
+    head.resize(static_cast<size_t>(in.read(&head[0], static_cast<std::streamsize>(head.size())).gcount()));
+    if (head.find('\0') != std::string::npos) {
+      fprintf(stderr, "panelcorvane odf: %s: binary data (an optical data file?), not measurement text; %s not written\n",
+              textPath->c_str(), out.c_str());
+      return kBadInput;
+    }
+    in.clear();
+    in.seekg(0);
     parsed = parseOdfText(in, *textPath, &values, &error);
   } else {
     parsed = parseOdfText(std::cin, "<stdin>", &values, &error);
@@ -139,15 +165,41 @@ int write(const std::string& out, const std::string* textPath) {
   return kOk;
 }
 
+// The panel's display profile from one measurement set, through the panel model.
+int writeIcc(const std::string& path, const std::string& out) {
+  OpticalDataFile odf;
+  OdfCheck check;
+  std::string error;
+  if (!readOdfFile(path, odf, check, error)) {
+    fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), error.c_str());
+    return kBadInput;
+  }
+  if (!odfLengthWarning(check).empty())
+    fprintf(stderr, "panelcorvane odf: %s: %s\n", path.c_str(), odfLengthWarning(check).c_str());
+  if (!report(path, checkOpticalData(odf.values))) {
+    fprintf(stderr, "panelcorvane odf: %s not written\n", out.c_str());
+    return kBadInput;
+  }
+  const PanelModel panel(odf);
+  for (const auto& n : panel.notes()) fprintf(stderr, "panelcorvane odf: %s: note: %s\n", path.c_str(), n.c_str());
+  if (!writeIccProfile(out, panelProfile(panel, "panel: " + fileName(path)), error)) {
+    fprintf(stderr, "panelcorvane odf: %s: %s\n", out.c_str(), error.c_str());
+    return kBadInput;
+  }
+  printf("wrote %s: the panel of %s, white %.2f cd/m2\n", out.c_str(), path.c_str(), panel.whiteXyz().Y);
+  return kOk;
+}
+
 int run(const std::vector<std::string>& args) {
   if (args.size() == 2 && args[0] == "print") return print(args[1]);
+  if (args.size() == 3 && args[0] == "icc") return writeIcc(args[1], args[2]);
   if (args.size() == 3 && args[0] == "patches" && args[1] == "--ti1")
     return writeOdfPatchesTi1(args[2]);
   if (args.size() == 4 && args[0] == "write" && args[2] == "--ti3") return writeOdfFromTi3(args[1], args[3]);
   if ((args.size() == 2 || args.size() == 3) && args[0] == "write")
     return write(args[1], args.size() == 3 ? &args[2] : nullptr);
-  fprintf(stderr, "panelcorvane odf: expected 'print FILE', 'write OUT [MEASUREMENTS.txt | --ti3 FILE]' or "
-          "'patches --ti1 OUT'\n");
+  fprintf(stderr, "panelcorvane odf: expected 'print FILE', 'write OUT [MEASUREMENTS.txt | --ti3 FILE]', "
+          "'patches --ti1 OUT' or 'icc FILE OUT.icc'\n");
   return kUsage;
 }
 

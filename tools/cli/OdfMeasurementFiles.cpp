@@ -29,12 +29,15 @@ int writeOdfFromTi3(const std::string& out, const std::string& ti3) {
   if (!readMeasurements(ti3, &m, &error)) return fail(error);
   std::vector<std::string> warnings = m.warnings;
   OdfValues values;
-  if (!odfFromMeasurements(m, &values, &warnings, &error)) return fail(error + "; " + out + " not written");
+  std::vector<std::string> info;
+  if (!odfFromMeasurements(m, &values, &warnings, &error, &info)) return fail(error + "; " + out + " not written");
   for (const auto& w : warnings) fprintf(stderr, "panelcorvane odf: %s: warning: %s\n", ti3.c_str(), w.c_str());
   const std::vector<Finding> findings = checkOpticalData(values.v);
   for (const auto& f : findings) fprintf(stderr, "panelcorvane odf: %s: %s\n", ti3.c_str(), f.line().c_str());
   if (anyRefused(findings)) return fail(out + " not written");
   if (!writeOdfFile(out, values, &error)) return fail(error);
+  printf("wrote %s from %s\n", out.c_str(), ti3.c_str());
+  for (const auto& line : info) printf("  %s\n", line.c_str());
   return kOk;
 }
 

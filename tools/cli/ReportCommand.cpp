@@ -66,6 +66,7 @@ int fromFiles(const ParsedArgs& a, PanelReport& rep) {
   odf.set = fileName(odf.path);
   OdfCheck check;
   if (!readOdfFile(odf.path, odf.odf, check, err)) return bad(odf.path, err);
+  if (!odfLengthWarning(check).empty()) rep.notes.push_back(odf.set + ": " + odfLengthWarning(check));
   for (const auto& f : checkOpticalData(odf.odf.values)) rep.notes.push_back(odf.set + ": " + f.line());
   rep.odfs.push_back(odf);
   rep.panelName = a.value("--name", odf.set);

@@ -9,8 +9,11 @@
 #include "tools/cli/VerifyMeasurementFiles.h"
 #include "tools/lib/calibration/Plausibility.h"
 #include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/tables/TableSource.h"
 #include "tools/lib/verify/Verify.h"
+#include "tools/lib/lot/LotVerify.h"
+#include "tools/lib/verify/PanelProfile.h"
 #include "tools/lib/verify/VerifyPage.h"
 
 namespace pctool {
@@ -18,7 +21,8 @@ namespace {
 
 const char kHelp[] =
     "usage: panelcorvane verify TABLE [--table K] [--json] [--odf FILE --target FILE\n"
-    "                              [--measured POST.ti3] [--png OUT]]\n"
+    "                              [--measured POST.ti3 [--chart CHART.ti1]] [--png OUT]\n"
+    "                              [--max-de X] [--mode NAME] [--icc OUT.icc]]\n"
     "       panelcorvane verify --patches-ti1 OUT\n"
     "\n"
     "TABLE is a table cache (every table, or table K), a LUT text file or a .cube. Reports:\n"
@@ -38,10 +42,20 @@ const char kHelp[] =
     "  --target FILE  the mode's target (.txt)\n"
     "  --measured F   a CGATS .ti3 of the verification patches measured on the panel with\n"
     "                 the table applied: the measured CIEDE2000 against the target is shown\n"
-    "                 beside the predicted one. Rows are matched by RGB within 0.5 %; XYZ are\n"
-    "                 taken relative to the measured white.\n"
+    "                 beside the predicted one, with the white's luminance, CCT and duv, black,\n"
+    "                 contrast and the gamma of each grey level. Every row must read a patch\n"
+    "                 (its RGB the patch's at the precision written) and every patch but the\n"
+    "                 near-black ones needs a reading; repeats are averaged within 1.0 dE00.\n"
+    "                 XYZ are taken relative to the measured white.\n"
+    "  --chart F      the readings are of your own chart, a CGATS .ti1 (any patches, one of\n"
+    "                 them white): per patch, mean, 95th percentile, maximum and the worst ten\n"
     "  --png OUT      a page (PNG) with the predicted and, with --measured, the measured\n"
     "                 CIEDE2000 of each reference colour and grey level (needs cairo)\n"
+    "  --max-de X     the pass limit the page draws (95th percentile dE00; default 2.0)\n"
+    "  --mode NAME    the mode's name for the page, where the cache index or the target's\n"
+    "                 file name do not tell it\n"
+    "  --icc OUT      the calibrated panel's ICC profile: primaries, white, luminance and grey\n"
+    "                 ramp as the table is predicted to make the panel show them (Little CMS)\n"
     "  --patches-ti1 OUT  writes those verification patches (the 21 reference colours and the\n"
     "                 grey ramp, 8-bit code C driven at 100 * C / 255 %) as a CGATS .ti1\n"
     "\n"
@@ -69,7 +83,9 @@ int run(const std::vector<std::string>& args) {
     return writeVerifyPatchesTi1(a.value("--patches-ti1"));
   a = ParsedArgs{};
   err.clear();
-  if (!parseArgs(args, {"--table", "--odf", "--target", "--measured", "--png"}, {"--json"}, a, err) || a.positional.size() != 1) {
+  if (!parseArgs(args, {"--table", "--odf", "--target", "--measured", "--png", "--chart", "--max-de", "--mode", "--icc"},
+                 {"--json"}, a, err) ||
+      a.positional.size() != 1) {
     fprintf(stderr, "panelcorvane verify: %s\n%s", err.empty() ? "needs one TABLE" : err.c_str(), kHelp);
     return kUsage;
   }
@@ -77,7 +93,16 @@ int run(const std::vector<std::string>& args) {
     fprintf(stderr, "panelcorvane verify: --odf and --target go together\n");
     return kUsage;
   }
-  for (const char* needsTarget : {"--measured", "--png"})
+  if (a.has("--chart") && !a.has("--measured")) {
+    fprintf(stderr, "panelcorvane verify: --chart needs --measured\n");
+    return kUsage;
+  }
+  double limit = kDefaultMaxDe;
+  if (a.has("--max-de") && !(parseNumber(a.value("--max-de"), limit) && limit > 0 && limit <= 100)) {
+    fprintf(stderr, "panelcorvane verify: --max-de wants a dE00 above 0, not '%s'\n", a.value("--max-de").c_str());
+    return kUsage;
+  }
+  for (const char* needsTarget : {"--measured", "--png", "--icc", "--mode", "--max-de"})
     if (a.has(needsTarget) && !a.has("--odf")) {
       fprintf(stderr, "panelcorvane verify: %s needs --odf and --target\n", needsTarget);
       return kUsage;
@@ -102,6 +127,8 @@ int run(const std::vector<std::string>& args) {
   if (predicting) {
     OdfCheck check;
     if (!readOdfFile(a.value("--odf"), odf, check, err)) return bad(a.value("--odf"), err);
+    if (!odfLengthWarning(check).empty())
+      fprintf(stderr, "panelcorvane verify: %s: %s\n", a.value("--odf").c_str(), odfLengthWarning(check).c_str());
     int count = 0;
     if (!readTargetFile(a.value("--target"), target, count, err)) return bad(a.value("--target"), err);
     const std::pair<std::string, std::vector<Finding>> checked[2] = {
@@ -114,7 +141,8 @@ int run(const std::vector<std::string>& args) {
   }
 
   MeasuredCheck measured;
-  if (a.has("--measured") && !readMeasuredCheck(a.value("--measured"), target, measured)) return kBadInput;
+  if (a.has("--measured") && !readMeasuredCheck(a.value("--measured"), a.value("--chart"), target, measured))
+    return kBadInput;
 
   std::vector<VerifyResult> results;
   for (size_t k = 0; k < tables.size(); ++k) {
@@ -129,15 +157,24 @@ int run(const std::vector<std::string>& args) {
       if (!predict(*tables[k].lut, odf, target, r.prediction, err))
         return bad(a.value("--odf") + " / " + a.value("--target"), err);
       r.hasPrediction = true;
+      r.subject = describeSubject(tables[k], tables.size() > 1 ? static_cast<int>(k) : index, a.value("--target"),
+                                  a.value("--odf"), a.value("--mode"));
+      for (const auto& n : r.subject.notes) r.notes.push_back(n);
+      const Predictor predictor(*tables[k].lut, odf, target);
       if (a.has("--measured")) {
         r.measured = measured;
-        addPredicted(r.prediction, &r.measured);
+        addPredicted(r.prediction, &r.measured, &predictor);
         r.hasMeasured = true;
       }
+      if (a.has("--icc") &&
+          !writeIccProfile(a.value("--icc"), calibratedProfile(predictor, "calibrated panel: " + r.subject.mode + " (" +
+                                                                              fileName(a.value("--target")) + ")"),
+                           err))
+        return bad(a.value("--icc"), err);
     }
     results.push_back(std::move(r));
   }
-  if (a.has("--png") && !drawVerifyPage(a.value("--png"), results.front(), err))
+  if (a.has("--png") && !drawVerifyPage(a.value("--png"), results.front(), limit, err))
     return bad(a.value("--png"), err);
   if (a.has("--json")) {
     fputs(toJson(results).c_str(), stdout);

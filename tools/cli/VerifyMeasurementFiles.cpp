@@ -16,13 +16,16 @@ int writeVerifyPatchesTi1(const std::string& out) {
   return kBadInput;
 }
 
-bool readMeasuredCheck(const std::string& ti3, const TargetParm& target, MeasuredCheck& out) {
+bool readMeasuredCheck(const std::string& ti3, const std::string& chart, const TargetParm& target, MeasuredCheck& out) {
   Measurements m;
   std::string error;
-  if (!readMeasurements(ti3, &m, &error) || !checkMeasured(m, target, &out, &error)) {
+  std::vector<Patch> patches;
+  if ((!chart.empty() && !readChart(chart, &patches, &error)) || !readMeasurements(ti3, &m, &error) ||
+      !checkMeasured(m, target, &out, &error, chart.empty() ? nullptr : &patches, chart)) {
     fprintf(stderr, "panelcorvane verify: %s\n", error.c_str());
     return false;
   }
+  for (const auto& w : m.warnings) fprintf(stderr, "panelcorvane verify: %s: warning: %s\n", ti3.c_str(), w.c_str());
   return true;
 }
 

@@ -11,7 +11,8 @@ namespace pctool {
 
 // `verify --patches-ti1 OUT`; an exit status.
 int writeVerifyPatchesTi1(const std::string& out);
-// Reads `ti3` and compares it with `target`; false after printing the one-line error.
-bool readMeasuredCheck(const std::string& ti3, const TargetParm& target, MeasuredCheck& out);
+// Reads `ti3` (readings of the verification patches, or of the chart `chart` when not "") and
+// compares it with `target`; false after printing the one-line error.
+bool readMeasuredCheck(const std::string& ti3, const std::string& chart, const TargetParm& target, MeasuredCheck& out);
 
 }  // namespace pctool

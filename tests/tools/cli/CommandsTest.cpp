@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <string>
 #include <utility>
@@ -47,6 +48,11 @@ class ExitContract : public pctest::ToolRunner {
     pctool::placeMeasurements(pctool::syntheticMeasurements(1, 0, 1, false, false), &v);
     std::fill(v.v + pctool::kOdfWhiteAt, v.v + pctool::kOdfWhiteAt + 3, 0.0f);  // a panel without white
     ASSERT_TRUE(pctool::writeOdfFile(dir + "/zero.odf", v, &err)) << err;
+    v.v[30] = std::numeric_limits<float>::infinity();  // a float the plugin does not read
+    pctool::placeMeasurements(pctool::syntheticMeasurements(1, 0, 1, false, false), &v);
+    const pctool::OdfImage inf = pctool::encodeOdf(v);
+    root.write("/inf.odf", std::string(inf.begin(), inf.end()));
+    root.write("/padded.odf", std::string(inf.begin(), inf.end()) + std::string(514, '\0'));
     fs::create_directories(dir + "/notatree/sub");
     for (const char* cmd : {"mkdevice D", "mkdevice Broken --no-local", "mkdevice --lot 3 L", "odf write good.odf m.txt"}) {
       ASSERT_EQ(run(cmd).status, 0) << cmd;
@@ -92,6 +98,16 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"verify t.cube --odf good.odf --target redgreen.txt", 1, "redgreen.txt: impossible: red and green: coincide"},
       {"inspect exp45.txt", 1, "exp45.txt: impossible: exponent parameter (value 9): 45.2 decodes with power 0.02212"},
       {"verify t.cube --odf zero.odf --target exp45.txt", 1, "zero.odf: impossible: white Y"},
+      // Numbers and files an optical data file cannot be.
+      {"odf write f.odf float.txt", 1, "float.txt:14: '5e39' does not fit a float of the optical data file", "f.odf"},
+      {"odf write f.odf padded.odf", 1, "padded.odf: binary data (an optical data file?), not measurement text", "f.odf"},
+      {"odf print inf.odf", 0, "warning: floats outside the measured fields: not finite at 30 (inf)"},
+      {"odf print padded.odf", 0, "warning: 1024 bytes, padded beyond the 510 of an optical data file: the plugin reads "
+                                  "the first 510 (127 floats and the CRC) and ignores the other 514"},
+      {"inspect padded.odf", 0, "warning: 1024 bytes, padded beyond the 510"},
+      {"odf icc zero.odf z.icc", 1, "zero.odf: impossible: white Y", "z.icc"},
+      {"verify t.cube --odf good.odf --target srgb.txt --chart c.ti1", 2, "--chart needs --measured"},
+      {"verify t.cube --odf good.odf --target srgb.txt --max-de 0", 2, "--max-de wants"},
       // Outputs that cannot be written.
       {"odf write /dev/full m.txt", 1, "/dev/full: cannot write: No space left on device"},
       {"export t.cube /dev/full", 1, "/dev/full: cannot write: No space left on device"},

@@ -2,11 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <sstream>
 #include <string>
 
 #include "tests/tools/WorkbenchFixtures.h"
+#include "tools/lib/colour/Cct.h"
+#ifdef PC_HAVE_LCMS
+#include <lcms2.h>
+#endif
 
 namespace {
 
@@ -46,6 +51,30 @@ TEST(Ciede2000, LabOfKnownColours) {
     EXPECT_NEAR(r.lab.a, r.expected.a, 1e-2) << r.what;
     EXPECT_NEAR(r.lab.b, r.expected.b, 1e-2) << r.what;
   }
+}
+
+// Temperatures as Little CMS's own (Robertson's) method has them; Duv of the published whites.
+TEST(Cct, WhitesOfKnownTemperatureAndTint) {
+  const struct {
+    const char* what;
+    double x, y, kelvin, duv;
+  } rows[] = {
+      {"D65", 0.3127, 0.3290, 6504, 0.0032},
+      {"D50", 0.3457, 0.3585, 5003, 0.0033},
+      {"illuminant A", 0.44757, 0.40745, 2856, 0.0000},
+  };
+  for (const auto& r : rows) {
+    const pctool::Cct c = pctool::cctOf(r.x, r.y);
+    EXPECT_NEAR(c.kelvin, r.kelvin, 0.002 * r.kelvin) << r.what;
+    EXPECT_NEAR(c.duv, r.duv, 3e-4) << r.what;
+#ifdef PC_HAVE_LCMS
+    double lcms = 0;
+    const cmsCIExyY xyY{r.x, r.y, 1};
+    ASSERT_TRUE(cmsTempFromWhitePoint(&lcms, &xyY)) << r.what;
+    EXPECT_NEAR(c.kelvin, lcms, 0.002 * r.kelvin) << r.what;
+#endif
+  }
+  EXPECT_TRUE(std::isnan(pctool::cctOf(0.17, 0.005).kelvin)) << "a violet far off the locus";
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "tests/tools/WorkbenchFixtures.h"
 #include "tools/lib/measurements/MeasuredPatches.h"
 #include "tools/lib/measurements/OdfFromMeasurements.h"
+#include "tools/lib/measurements/PatchMatch.h"
 #include "tools/lib/measurements/PatchSets.h"
 
 namespace {
@@ -89,11 +90,45 @@ TEST(MeasuredPatches, AbsoluteReadingsScaleToCandelasAndRepeatsAverage) {
   ASSERT_TRUE(pctool::measurementsFromCgats(dispread(), "m.ti3", &m, &err)) << err;
   EXPECT_TRUE(m.absolute);
   EXPECT_TRUE(m.warnings.empty());
-  pctool::Xyz white;
-  EXPECT_EQ(m.find({"white", {100, 100, 99.6}}, &white), 2);
-  EXPECT_NEAR(white.X, 95.04 * 4, 1e-9);
-  EXPECT_NEAR(white.Y, 400, 1e-9);
-  EXPECT_EQ(m.find({"off", {100, 100, 99.4}}, &white), 0);
+  const std::vector<pctool::Patch> set = {pctool::writtenPatch("white", 100, 100, 100), pctool::writtenPatch("red", 100, 0, 0)};
+  std::vector<pctool::PatchReading> r;
+  ASSERT_TRUE(pctool::matchReadings(m, set, "s", &r, &err)) << err;
+  EXPECT_EQ(r[0].readings, 2);
+  EXPECT_NEAR(r[0].xyz.X, 95.04 * 4, 1e-9);
+  EXPECT_NEAR(r[0].xyz.Y, 400, 1e-9);
+  EXPECT_EQ(r[1].line, 17);
+}
+
+// Rows read a patch only at the precision written; the set must be the one asked for.
+TEST(MeasuredPatches, ReadingsOfAnotherSetOrDisagreeingRepeatsAreRefusedByRow) {
+  const std::vector<pctool::Patch> set = {pctool::writtenPatch("white", 100, 100, 100),
+                                          pctool::writtenPatch("grey 3584", 87.5214, 87.5214, 87.5214)};
+  const std::string white = "100 100 100 95 100 109\n";
+  const std::pair<std::string, std::string> cases[] = {
+      {white + "87.52 87.52 87.52 70 74 80\n", ""},  // a coarser file's own precision
+      {white + "87.6 87.6 87.6 70 74 80\n", "m.ti3:7: not the readings of s: no reading of grey 3584 (RGB 87.5214 "
+                                            "87.5214 87.5214 %), and line 7 (RGB 87.6 87.6 87.6 %) reads none of s"},
+      {white + "87.5214 87.5214 87.5214 70 74 80\n87.8431 87.8431 87.8431 72 76 82\n",
+       "m.ti3:8: line 8 (RGB 87.8431 87.8431 87.8431 %) reads none of s"},
+      {white + "87.5214 87.5214 87.5214 70 74 80\n100 100 100 47 50 54\n",
+       "m.ti3:8: white read twice differently: XYZ 95 100 109 (line 6) and XYZ 47 50 54 (line 8) are 15.41 dE00 "
+       "apart; repeats are averaged only within 1.0"},
+  };
+  for (const auto& [rows, error] : cases) {
+    CgatsFile f;
+    std::string err;
+    ASSERT_TRUE(parse("CTI3\nBEGIN_DATA_FORMAT\nRGB_R RGB_G RGB_B XYZ_X XYZ_Y XYZ_Z\nEND_DATA_FORMAT\nBEGIN_DATA\n" + rows +
+                          "END_DATA\n",
+                      &f, &err))
+        << err;
+    pctool::Measurements m;
+    ASSERT_TRUE(pctool::measurementsFromCgats(f, "m.ti3", &m, &err)) << err;
+    std::vector<pctool::PatchReading> r;
+    EXPECT_EQ(pctool::matchReadings(m, set, "s", &r, &err), error.empty()) << rows;
+    if (!error.empty()) {
+      EXPECT_EQ(err, error);
+    }
+  }
 }
 
 TEST(MeasuredPatches, RefusesFilesThatAreNotXyzReadings) {
@@ -106,6 +141,10 @@ TEST(MeasuredPatches, RefusesFilesThatAreNotXyzReadings) {
       {"CTI3\n" + format + "BEGIN_DATA\n100 100 100 95 100 10x\nEND_DATA\n", "m.ti3:6: XYZ_Z '10x' is not a number"},
       {"CTI3\nLUMINANCE_XYZ_CDM2 \"1 0 1\"\n" + format + "BEGIN_DATA\nEND_DATA\n",
        "m.ti3:2: LUMINANCE_XYZ_CDM2 needs three numbers X Y Z with Y above 0"},
+      {"CTI1\n" + format + "BEGIN_DATA\nEND_DATA\n",
+       "m.ti3:1: CTI1: the patches' nominal values, not readings; readings are a .ti3 (CTI3)"},
+      {"CTI3\nDEVICE_CLASS \"OUTPUT\"\n" + format + "BEGIN_DATA\nEND_DATA\n",
+       "m.ti3:2: DEVICE_CLASS 'OUTPUT': readings of a display (DISPLAY) are needed"},
   };
   for (const auto& [text, error] : cases) {
     CgatsFile f;
@@ -124,12 +163,12 @@ TEST(MeasuredPatches, OdfNeedsEveryPatchAndForgivesNoiseBelowZero) {
   pctool::OdfValues v;
   std::vector<std::string> warnings;
   EXPECT_FALSE(pctool::odfFromMeasurements(m, &v, &warnings, &err));
-  EXPECT_EQ(err, "m.ti3:1: no reading of green (RGB 0 100 0 %, within 0.5 %)");
+  EXPECT_EQ(err, "m.ti3:1: no reading of green (RGB 0 100 0 %)");
 
   // Every patch read as a quarter of white, red's Z a little below zero.
   m.rows.clear();
   for (const auto& p : pctool::odfPatches())
-    m.rows.push_back({{p.rgb[0], p.rgb[1], p.rgb[2]}, {10, 10, p.name == "red" ? -0.01 : 10}, 20});
+    m.rows.push_back({{p.rgb[0], p.rgb[1], p.rgb[2]}, {0, 0, 0}, {10, 10, p.name == "red" ? -0.01 : 10}, 20});
   ASSERT_TRUE(pctool::odfFromMeasurements(m, &v, &warnings, &err)) << err;
   EXPECT_EQ(warnings, std::vector<std::string>{"1 XYZ value(s) slightly below zero (instrument noise) taken as 0"});
   EXPECT_EQ(pctool::measurementsOf(v).red[2], 0);
@@ -138,6 +177,10 @@ TEST(MeasuredPatches, OdfNeedsEveryPatchAndForgivesNoiseBelowZero) {
   m.rows[1].xyz.Z = -1;
   ASSERT_TRUE(pctool::odfFromMeasurements(m, &v, &warnings, &err));
   EXPECT_EQ(pctool::measurementsOf(v).red[2], -1);
+  // A reading no float of the file can hold is refused by its line.
+  m.rows[0].xyz.Y = 5e39;
+  EXPECT_FALSE(pctool::odfFromMeasurements(m, &v, &warnings, &err));
+  EXPECT_EQ(err, "m.ti3:20: white XYZ_Y 5e+39 cd/m2 does not fit a float of the optical data file");
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "frontend/Lut3dGeneration.h"
@@ -16,6 +18,7 @@
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/tables/LutApply.h"
 #include "tools/lib/verify/Verify.h"
+#include "tools/lib/verify/PanelProfile.h"
 #include "tools/lib/verify/VerifyPage.h"
 
 using pctest::ToolRun;
@@ -55,6 +58,7 @@ class Colorimeter : public pctest::ToolRunner {
   void sRgbReadings(const std::string& name, const std::vector<pctool::Patch>& patches, bool absolute) {
     pctool::CgatsTable t = pctool::ti1Table(patches, "readings");
     t.identifier = "CTI3";
+    t.keywords.push_back({"DEVICE_CLASS", "DISPLAY"});
     if (absolute) t.keywords.push_back({"LUMINANCE_XYZ_CDM2", "380.19 400 435.53"});
     root.write("/" + name, pctool::formatCgats(t));
   }
@@ -86,29 +90,33 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   ASSERT_EQ(run("odf patches --ti1 odf.ti1").status, 0);
   pctool::CgatsTable t = table("odf.ti1");
   EXPECT_EQ(t.identifier, "CTI1");
-  ASSERT_EQ(t.rows.size(), 11u);
+  ASSERT_EQ(t.rows.size(), 15u);        // black and three near-black levels after the eleven
   EXPECT_EQ(t.rows[4][1], "87.5214");   // 12-bit level 3584
   EXPECT_EQ(t.rows[10][3], "12.5031");  // level 512
+  EXPECT_EQ(t.rows[14][3], "1.56288");  // level 64
   ASSERT_EQ(run("verify --patches-ti1 verify.ti1").status, 0);
   t = table("verify.ti1");
-  ASSERT_EQ(t.rows.size(), 29u);  // 21 reference colours and 17 grey levels, 9 of them shared
-  EXPECT_EQ(t.rows.back()[1], "94.1176");  // 8-bit grey 240
+  ASSERT_EQ(t.rows.size(), 32u);  // 21 reference colours, 17 grey levels (9 shared), 3 near black
+  EXPECT_EQ(t.rows[28][1], "94.1176");  // 8-bit grey 240
 
   // Absolute readings are scaled back to cd/m2 (relative ones: a row of the command table).
   sRgbReadings("abs.ti3", pctool::odfPatches(), true);
-  ASSERT_EQ(run("odf write abs.odf --ti3 abs.ti3").err, "");
+  ToolRun w = run("odf write abs.odf --ti3 abs.ti3");
+  ASSERT_EQ(w.err, "");
+  EXPECT_THAT(w.out, HasSubstr("the panel model carries level 512's exponent (2.041) down to black; measured grey 256 "
+                               "exponent 1.900"));
   ToolRun r = run("odf print abs.odf");
   EXPECT_THAT(r.out, HasSubstr("white  X   380.1880  Y   400.0000"));
 
   std::vector<pctool::Patch> patches = pctool::odfPatches();
-  patches.pop_back();
+  patches.erase(patches.begin() + 10);  // level 512
   sRgbReadings("short.ti3", patches, true);
   pctool::CgatsTable same = pctool::ti1Table(pctool::odfPatches(), "readings");
   same.identifier = "CTI3";
   for (int k = 4; k < 7; ++k) same.rows[2][k] = same.rows[1][k];  // green read as red
   root.write("/same.ti3", pctool::formatCgats(same));
   const std::pair<std::string, std::string> unusable[] = {
-      {"short.ti3", "short.ti3:1: no reading of grey 512 (RGB 12.5 12.5 12.5 %, within 0.5 %); x.odf not written"},
+      {"short.ti3", "short.ti3:1: no reading of grey 512 (RGB 12.5031 12.5031 12.5031 %); x.odf not written"},
       {"same.ti3", "impossible: red and green: coincide"},
   };
   for (const auto& [ti3, says] : unusable) {
@@ -123,7 +131,8 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --json");
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_THAT(r.out, HasSubstr("\"measured\":{\"white_Y\":100.0000,\"absolute\":false"));
-  for (const char* key : {"\"name\":\"dark blue\",\"rgb\":[0,0,128]", "\"reference_summary\":{", "\"p95\":"})
+  for (const char* key : {"\"name\":\"dark blue\",\"rgb\":[0,0,128]", "\"reference_summary\":{", "\"p95\":",
+                          "\"white\":{\"without_table\":{\"Y\":400.0000", "\"near_black\":[{\"name\":\"grey 4\""})
     EXPECT_THAT(r.out, HasSubstr(key));
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --png page.png");
   if (pctool::verifyPageSupported()) {
@@ -138,7 +147,51 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   sRgbReadings("post.ti3", patches, false);
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3");
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "panelcorvane verify: post.ti3:1: no reading of grey 96 (RGB 37.65 37.65 37.65 %, within 0.5 %)\n");
+  EXPECT_EQ(r.err, "panelcorvane verify: post.ti3:1: no reading of grey 96 (RGB 37.6471 37.6471 37.6471 %)\n");
+
+  // The engineer's own chart: five patches, reported each and in aggregate; readings of another
+  // set are refused by row.
+  const std::vector<pctool::Patch> chart = {pctool::writtenPatch("W", 100, 100, 100), pctool::writtenPatch("R", 100, 0, 0),
+                                            pctool::writtenPatch("G50", 0, 50, 0), pctool::writtenPatch("K", 0, 0, 0),
+                                            pctool::writtenPatch("M", 33.3, 33.3, 33.3)};
+  root.write("/chart.ti1", pctool::formatCgats(pctool::ti1Table(chart, "chart")));
+  sRgbReadings("chart.ti3", chart, true);
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured chart.ti3 --chart chart.ti1");
+  ASSERT_EQ(r.status, 0) << r.err;
+  for (const char* says : {"chart: 5 patches, mean 0.13, 95th percentile 0.35, max 0.35", "white: Y 400.00 cd/m2, x 0.3127 y "
+                           "0.3290, 6505 K, duv +0.0033", "black: Y 0 (below the instrument's floor)", "RGB 33.3 33.3 33.3 %"})
+    EXPECT_THAT(r.out, HasSubstr(says));
+  r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --chart chart.ti1");
+  EXPECT_THAT(r.err, HasSubstr("reads none of the chart chart.ti1"));
+}
+
+// The panel's ICC profile, and the calibrated panel's, give the panel's readings back through
+// Little CMS's transicc within 0.2 % of white's luminance; ArgyllCMS reads them too.
+TEST_F(Colorimeter, ProfilesGiveTheReadingsBack) {
+  if (!pctool::iccSupported() || !pctest::haveProgram("transicc")) GTEST_SKIP() << "no Little CMS or no transicc";
+  sRgbReadings("abs.ti3", pctool::odfPatches(), true);
+  ASSERT_EQ(run("odf write abs.odf --ti3 abs.ti3").status, 0);
+  ASSERT_EQ(run("odf icc abs.odf panel.icc").status, 0);
+  ASSERT_EQ(run("verify identity.cube --odf abs.odf --target srgb.txt --icc calibrated.icc").status, 0);
+  // sRGB's primaries adapted to the D50 of the profile connection space, and the grey level 3584.
+  const double expected[4][3] = {{43.607, 22.250, 1.393}, {38.515, 71.687, 9.708}, {14.307, 6.061, 71.410},
+                                 {71.277, 73.925, 60.981}};
+  for (const char* icc : {"panel.icc", "calibrated.icc"}) {
+    const std::string cmd = "cd '" + dir + "' && printf '255 0 0\\n0 255 0\\n0 0 255\\n223.214 223.214 223.214\\n' | transicc -n -i " +
+                            icc + " -o '*XYZ' > xyz.txt 2>/dev/null";
+    ASSERT_EQ(std::system(cmd.c_str()), 0) << icc;
+    std::istringstream xyz(root.read("/xyz.txt"));
+    for (const auto& e : expected)
+      for (double v : e) {
+        double got = NAN;
+        xyz >> got;
+        EXPECT_NEAR(got, v, 0.2) << icc;
+      }
+  }
+  if (pctest::haveProgram("iccdump")) {
+    ASSERT_EQ(std::system(("iccdump -v3 -t lumi '" + dir + "/panel.icc' > '" + dir + "/lumi.txt'").c_str()), 0);
+    EXPECT_THAT(root.read("/lumi.txt"), HasSubstr("0.00000000, 400.00000000, 0.00000000"));
+  }
 }
 
 // The whole loop, Argyll's P3 display as the panel: read through our patches, its table generated

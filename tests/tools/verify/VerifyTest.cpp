@@ -12,6 +12,7 @@
 #include "tools/lib/calibration/OdfWriter.h"
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/verify/PanelModel.h"
+#include "tools/lib/verify/VerifyPage.h"
 
 using postblend::lut3d_info;
 
@@ -126,6 +127,33 @@ TEST(Verify, PredictionIsNearZeroForTheTableThatFitsThePanel) {
   broken.values[1] = 0;
   EXPECT_FALSE(pctool::predict(*lut, odf, broken, p, err));
   EXPECT_EQ(err, "target chromaticities or exponent are unusable");
+}
+
+// The page says what it shows and keeps its axis for what the table leaves: the far values of
+// the panel without the table stand at the edge with their value.
+TEST(VerifyPage, NamesItsSubjectAndShowsFarValuesAtTheEdge) {
+  auto lut = std::make_unique<lut3d_info>(pctest::identityTables(1)[0]);
+  pctool::VerifyResult r;
+  std::string err;
+  ASSERT_TRUE(pctool::predict(*lut, panel(kP3), srgbTarget(), r.prediction, err)) << err;
+  r.hasPrediction = true;
+  pctool::LoadedTable cache{pctool::FileKind::Cache, "cofc.fw table 1 of 8", nullptr, {}};
+  r.subject = pctool::describeSubject(cache, 1, "PanelCorvane_primary_Vivid.txt", "PanelCorvane_primary_1_max.odf", "");
+  const pctool::VerifyPagePlan plan = pctool::planVerifyPage(r, 2.0);
+  EXPECT_EQ(plan.title, "Verification: Vivid, full brightness");
+  EXPECT_EQ(plan.subtitle[0], "mode: Vivid, full brightness     table: cofc.fw table 1 of 8 (table cache)");
+  EXPECT_EQ(plan.subtitle[3], "note: the table of Vivid, full brightness is made from measurement set 2_max; the "
+                              "optical data given is set 1_max");
+  EXPECT_EQ(plan.subtitle[4].rfind("white: 500.0 cd/m2, 6507 K", 0), 0u) << plan.subtitle[4];
+  EXPECT_EQ(plan.subtitle[6].rfind("grey ramp: predicted mean ", 0), 0u);
+  EXPECT_EQ(plan.top, 6);  // three times the limit, though the identity leaves 6.83 in red
+  EXPECT_EQ(plan.beyond, (std::vector<std::string>{"red: predicted 6.83", "red: without the table 6.83"}));
+  pctool::LoadedTable cube{pctool::FileKind::Cube, "x.cube", nullptr, {}};
+  EXPECT_EQ(pctool::describeSubject(cube, -1, "P_Cinema_100nits.txt", "x.odf", "").mode, "Cinema (its 100-nit target)");
+  const pctool::WhiteFigures& w = r.prediction.white;
+  EXPECT_NEAR(w.panel.Y, 500, 1e-3);
+  EXPECT_NEAR(w.target.cct, 6504, 10);
+  EXPECT_EQ(w.costPercent, 0);
 }
 
 }  // namespace

@@ -9,6 +9,14 @@
 
 namespace pctool {
 
+std::string odfLengthWarning(const OdfCheck& check) {
+  if (check.fileBytes <= postblend::odf::kBytes) return "";
+  return "warning: " + std::to_string(check.fileBytes) + " bytes, padded beyond the " +
+         std::to_string(postblend::odf::kBytes) + " of an optical data file: the plugin reads the first " +
+         std::to_string(postblend::odf::kBytes) + " (127 floats and the CRC) and ignores the other " +
+         std::to_string(check.fileBytes - postblend::odf::kBytes);
+}
+
 bool readOdfFile(const std::string& path, OpticalDataFile& odf, OdfCheck& check,
                  std::string& error) {
   check = OdfCheck{};

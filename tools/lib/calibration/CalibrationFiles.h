@@ -25,6 +25,10 @@ struct OdfCheck {
   bool crcOk() const { return stored == computed; }
 };
 
+// For a file longer than an optical data file: what the plugin reads of it and what it ignores
+// ("warning: 1024 bytes, padded beyond ..."); "" for 510 bytes or fewer.
+std::string odfLengthWarning(const OdfCheck& check);
+
 // False with a one-line reason when the file cannot be read, is shorter than 510 bytes or
 // fails its CRC ("CRC mismatch: stored 0x1234, computed 0xabcd"); on a CRC failure `odf` and
 // `check` still hold what was read.

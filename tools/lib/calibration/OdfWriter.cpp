@@ -32,6 +32,8 @@ bool fail(std::string* error, const std::string& text) {
 }
 }  // namespace
 
+bool fitsOdfFloat(double v) { return std::isfinite(static_cast<float>(v)); }
+
 void placeMeasurements(const OdfMeasurements& m, OdfValues* out) {
   putXyz(out, kOdfRedAt, m.red);
   putXyz(out, kOdfGreenAt, m.green);
@@ -86,6 +88,7 @@ bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, s
       if (end == tok.c_str() || *end != '\0' || !std::isfinite(d)) {
         return bad("'" + tok + "' is not a finite number");
       }
+      if (!fitsOdfFloat(d)) return bad("'" + tok + "' does not fit a float of the optical data file (largest 3.4e38)");
       nums.push_back(d);
     }
     static const char* const kXyzKeys[4] = {"red", "green", "blue", "white"};
@@ -129,6 +132,9 @@ bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, s
 }
 
 bool writeOdfFile(const std::string& path, const OdfValues& values, std::string* error) {
+  for (int i = 0; i < kOdfFloats; ++i)
+    if (!std::isfinite(values.v[i]))
+      return fail(error, path + ": float " + std::to_string(i) + " is not finite: not written");
   const OdfImage img = encodeOdf(values);
   std::string why;
   if (!writeWholeFile(path, std::string(img.begin(), img.end()), why))

@@ -9,7 +9,8 @@
 //   white X Y Z
 //   grey  LEVEL Y        LEVEL one of 3584 3072 2560 2048 1536 1024 512
 //   value INDEX NUMBER   raw position 0..126, applied after everything above
-// red, green, blue, white and all seven grey levels are required; numbers must be finite.
+// red, green, blue, white and all seven grey levels are required; every number must round to a
+// finite float, as the file stores it (5e39 is a finite double but no float).
 #pragma once
 
 #include <array>
@@ -45,6 +46,9 @@ struct OdfValues {
   float v[kOdfFloats] = {};
 };
 
+// Whether `v` rounds to a finite float.
+bool fitsOdfFloat(double v);
+
 void placeMeasurements(const OdfMeasurements& m, OdfValues* out);
 OdfMeasurements measurementsOf(const OdfValues& values);
 
@@ -55,6 +59,7 @@ OdfImage encodeOdf(const OdfValues& values);
 // ("SOURCE:LINE: reason").
 bool parseOdfText(std::istream& in, const std::string& source, OdfValues* out, std::string* error);
 
+// Refuses (nothing written) values that hold a float that is not finite, naming its position.
 bool writeOdfFile(const std::string& path, const OdfValues& values, std::string* error);
 
 }  // namespace pctool

@@ -78,6 +78,17 @@ bool insideSpectralLocus(double x, double y, double tolerance) {
 
 std::vector<Finding> checkOpticalData(const float (&v)[127]) {
   std::vector<Finding> out;
+  // The plugin carries the other floats unread; one that is not finite still says the file was
+  // not written by a careful tool.
+  std::string unread;
+  for (int i = 0; i < kOdfFloats; ++i) {
+    const bool measured = (i >= kOdfWhiteAt && i < kOdfWhiteAt + 3) || (i >= kOdfRedAt && i < kOdfRedAt + 3) ||
+                          (i >= kOdfGreenAt && i < kOdfGreenAt + 3) || (i >= kOdfBlueAt && i < kOdfBlueAt + 3) ||
+                          (i > kOdfWhiteAt + 1 && i <= odfGreyYAt(6) && (i - kOdfWhiteAt - 1) % 6 == 0);
+    if (!measured && !std::isfinite(v[i])) unread += printfString(", %d (%g)", i, v[i]);
+  }
+  if (!unread.empty())
+    out.push_back({false, "floats outside the measured fields", "not finite at" + unread.substr(1) + "; the plugin does not read them"});
   static const int kAt[4] = {kOdfRedAt, kOdfGreenAt, kOdfBlueAt, kOdfWhiteAt};
   Point c[4] = {};
   bool known[4] = {};

@@ -1,6 +1,8 @@
 #include "tools/lib/common/CliArgs.h"
 
 #include <cctype>
+#include <cmath>
+#include <cstdlib>
 
 namespace pctool {
 
@@ -48,6 +50,12 @@ bool parseArgs(const std::vector<std::string>& args, const std::set<std::string>
     }
   }
   return true;
+}
+
+bool parseNumber(const std::string& s, double& out) {
+  char* end = nullptr;
+  out = std::strtod(s.c_str(), &end);
+  return !s.empty() && *end == '\0' && std::isfinite(out);
 }
 
 bool parseIndex(const std::string& s, int limit, int& out) {

@@ -23,6 +23,9 @@ struct ParsedArgs {
 bool parseArgs(const std::vector<std::string>& args, const std::set<std::string>& withValue,
                const std::set<std::string>& flagNames, ParsedArgs& out, std::string& error);
 
+// A whole number that is a finite decimal number.
+bool parseNumber(const std::string& s, double& out);
+
 // A whole non-negative decimal number below `limit`.
 bool parseIndex(const std::string& s, int limit, int& out);
 

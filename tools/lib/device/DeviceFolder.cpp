@@ -64,6 +64,7 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
       rep.notes.push_back(o.path + ": " + why);
       continue;
     }
+    if (!odfLengthWarning(check).empty()) rep.notes.push_back(o.path + ": " + odfLengthWarning(check));
     for (const auto& f : checkOpticalData(o.odf.values)) rep.notes.push_back(o.path + ": " + f.line());
     rep.odfs.push_back(o);
   }

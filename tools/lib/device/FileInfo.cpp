@@ -86,6 +86,7 @@ bool inspectOdf(const std::string& path, std::string& o, std::string& error) {
       static_cast<unsigned long long>(check.fileBytes),
       check.fileBytes > 510 ? " (only the first 510 are read)" : "");
   if (check.fileBytes < 510) return false;
+  if (!odfLengthWarning(check).empty()) add(o, "%s\n", odfLengthWarning(check).c_str());
   add(o, "CRC: stored 0x%04x, computed 0x%04x: %s\n", check.stored, check.computed,
       check.crcOk() ? "ok" : "MISMATCH");
   PanelModel panel(odf);

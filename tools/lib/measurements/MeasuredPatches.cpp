@@ -3,21 +3,9 @@
 #include <cmath>
 #include <sstream>
 
-namespace pctool {
+#include "tools/lib/measurements/PatchSets.h"
 
-int Measurements::find(const Patch& p, Xyz* out) const {
-  int n = 0;
-  Xyz sum;
-  for (const auto& r : rows) {
-    if (std::fabs(r.rgb[0] - p.rgb[0]) > kPatchMatchPercent || std::fabs(r.rgb[1] - p.rgb[1]) > kPatchMatchPercent ||
-        std::fabs(r.rgb[2] - p.rgb[2]) > kPatchMatchPercent)
-      continue;
-    sum.X += r.xyz.X, sum.Y += r.xyz.Y, sum.Z += r.xyz.Z;
-    ++n;
-  }
-  if (n > 0) *out = {sum.X / n, sum.Y / n, sum.Z / n};
-  return n;
-}
+namespace pctool {
 
 bool measurementsFromCgats(const CgatsFile& file, const std::string& source, Measurements* out, std::string* error) {
   *out = Measurements{};
@@ -28,6 +16,16 @@ bool measurementsFromCgats(const CgatsFile& file, const std::string& source, Mea
     return false;
   };
   if (t == nullptr) return bad(0, "no CGATS table");
+  if (t->identifier == "CTI1")
+    return bad(t->line, "CTI1: the patches' nominal values, not readings; readings are a .ti3 (CTI3)");
+  if (t->identifier != "CTI3")
+    return bad(t->line, "no CTI3 table of readings (the file's first table is " +
+                            (t->identifier.empty() ? std::string("unnamed") : "'" + t->identifier + "'") + ")");
+  int kwLine = 0;
+  if (const std::string* cls = t->keyword("DEVICE_CLASS", &kwLine)) {
+    if (*cls != "DISPLAY")
+      return bad(kwLine, "DEVICE_CLASS '" + *cls + "': readings of a display (DISPLAY) are needed");
+  }
   out->tableLine = t->line;
   static const char* const kFields[6] = {"RGB_R", "RGB_G", "RGB_B", "XYZ_X", "XYZ_Y", "XYZ_Z"};
   int col[6];
@@ -38,7 +36,6 @@ bool measurementsFromCgats(const CgatsFile& file, const std::string& source, Mea
                               (k < 3 ? "not a measurement of RGB patches" : "the readings must be XYZ"));
   }
   double scale = 1;
-  int kwLine = 0;
   if (const std::string* lum = t->keyword("LUMINANCE_XYZ_CDM2", &kwLine)) {
     std::istringstream ls(*lum);
     std::string x, y, z, extra;
@@ -60,8 +57,13 @@ bool measurementsFromCgats(const CgatsFile& file, const std::string& source, Mea
       const std::string& tok = t->rows[r][static_cast<size_t>(col[k])];
       if (!cgatsNumber(tok, &v[k])) return bad(row.line, std::string(kFields[k]) + " '" + tok + "' is not a number");
     }
-    for (int k = 0; k < 3; ++k) row.rgb[k] = v[k];
+    for (int k = 0; k < 3; ++k) {
+      row.rgb[k] = v[k];
+      row.halfUnit[k] = halfUnitOf(t->rows[r][static_cast<size_t>(col[k])]);
+    }
     row.xyz = {v[3] * scale, v[4] * scale, v[5] * scale};
+    if (!std::isfinite(row.xyz.X) || !std::isfinite(row.xyz.Y) || !std::isfinite(row.xyz.Z))
+      return bad(row.line, "XYZ scaled to cd/m2 is not a finite number");
     out->rows.push_back(row);
   }
   return true;

@@ -1,5 +1,6 @@
-// An optical data file's values from colorimeter readings (`odf write OUT --ti3 FILE`): each
-// patch of odfPatches() is found by its drive values; the grey levels keep their luminance.
+// An optical data file's values from colorimeter readings (`odf write OUT --ti3 FILE`): the rows
+// matched to odfPatches() (PatchMatch.h); the grey levels keep their luminance. Black and the
+// near-black levels, which the file cannot hold, are told to the engineer beside it.
 #pragma once
 
 #include <string>
@@ -10,10 +11,12 @@
 
 namespace pctool {
 
-// False with "SOURCE:LINE: no reading of PATCH ..." when a patch is missing. A component
-// slightly below zero (instrument noise: within 0.2 % of white's Y) becomes 0 with a warning;
-// anything else is left for the plausibility checks to judge.
+// False with "SOURCE:LINE: ..." when the rows are not the patch set (matchReadings), or a reading
+// does not fit the file's floats. A component slightly below zero (instrument noise: within
+// 0.2 % of white's Y) becomes 0 with a warning; anything else is left for the plausibility
+// checks to judge. `info` gets what the readings say beyond the file: repeats averaged, black
+// and contrast, the exponent of each near-black level beside the model's.
 bool odfFromMeasurements(const Measurements& m, OdfValues* out, std::vector<std::string>* warnings,
-                         std::string* error);
+                         std::string* error, std::vector<std::string>* info = nullptr);
 
 }  // namespace pctool

@@ -12,6 +12,7 @@
 #include "postblend/color_records.h"
 #include "tools/lib/verify/MeasuredVerify.h"
 #include "tools/lib/verify/Prediction.h"
+#include "tools/lib/verify/VerifySubject.h"
 
 namespace pctool {
 
@@ -34,6 +35,7 @@ De2000Stats de2000Stats(const postblend::lut3d_info& lut);
 
 struct VerifyResult {
   std::string label;
+  VerifySubject subject;  // with a prediction: what the figures are of
   De76Report de76;
   De2000Stats de2000;
   bool hasPrediction = false;

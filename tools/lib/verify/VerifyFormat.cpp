@@ -41,6 +41,22 @@ void colourLines(std::string& o, const std::vector<ColourPrediction>& v) {
   }
 }
 
+std::string whiteLine(const char* what, const WhitePoint& w) {
+  return printfString("    %-18s %8s   %.4f %.4f   %s\n", what, std::isfinite(w.Y) ? printfString("%.2f", w.Y).c_str() : "-", w.x,
+                      w.y, std::isfinite(w.cct) ? printfString("%5.0f K  %+.4f", w.cct, w.duv).c_str() : "no CCT");
+}
+
+std::string whiteText(const WhiteFigures& w) {
+  return "  white (Y cd/m2, x y, CCT and duv):\n" + whiteLine("without the table", w.panel) +
+         whiteLine("through the table", w.calibrated) + whiteLine("target", w.target) +
+         printfString("    the white correction costs %.1f %% of the luminance\n", w.costPercent);
+}
+
+std::string whiteJson(const WhitePoint& w) {
+  return "{\"Y\":" + jsonNumber(w.Y) + ",\"x\":" + jsonNumber(w.x, 5) + ",\"y\":" + jsonNumber(w.y, 5) +
+         ",\"cct\":" + jsonNumber(w.cct, 1) + ",\"duv\":" + jsonNumber(w.duv, 5) + "}";
+}
+
 std::string summaryLine(const char* what, const PredictionSummary& s) {
   char buf[200];
   std::snprintf(buf, sizeof buf, "  %s: mean %.2f, max %.2f (without the table: mean %.2f, max %.2f)\n", what,
@@ -87,9 +103,10 @@ std::string toText(const VerifyResult& r) {
     colourLines(o, p.grey);
     o += summaryLine("reference colours", p.referenceSummary);
     o += summaryLine("grey ramp", p.greySummary);
+    o += whiteText(p.white);
     for (const auto& n : p.notes) o += "  note: " + n + "\n";
   }
-  if (r.hasMeasured) o += measuredText(r.measured);
+  if (r.hasMeasured) o += measuredText(r.measured, r.hasPrediction ? &r.prediction : nullptr);
   for (const auto& n : r.notes) o += "note: " + n + "\n";
   return o;
 }
@@ -122,7 +139,10 @@ std::string toJson(const std::vector<VerifyResult>& results) {
       o += ",\n \"prediction\":{\"target_decode_exponent\":" + jsonNumber(p.targetDecodeExponent) +
            ",\n  \"reference\":" + coloursJson(p.reference) + ",\n  \"reference_summary\":" +
            summaryJson(p.referenceSummary) + ",\n  \"grey\":" + coloursJson(p.grey) +
-           ",\n  \"grey_summary\":" + summaryJson(p.greySummary) + ",\n  \"notes\":" + jsonStrings(p.notes) + "}";
+           ",\n  \"grey_summary\":" + summaryJson(p.greySummary) + ",\n  \"near_black\":" + coloursJson(p.nearBlack) +
+           ",\n  \"white\":{\"without_table\":" + whiteJson(p.white.panel) + ",\"through_table\":" +
+           whiteJson(p.white.calibrated) + ",\"target\":" + whiteJson(p.white.target) +
+           ",\"luminance_cost_percent\":" + jsonNumber(p.white.costPercent, 2) + "},\n  \"notes\":" + jsonStrings(p.notes) + "}";
     }
     if (r.hasMeasured) o += ",\n \"measured\":" + measuredJson(r.measured);
     o += ",\n \"notes\":" + jsonStrings(r.notes) + "}";

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "tools/lib/common/PrintfString.h"
 #include "tools/lib/drawing/Canvas.h"
 
 namespace pctool {
@@ -13,7 +14,7 @@ namespace pctool {
 
 bool verifyPageSupported() { return false; }
 
-bool drawVerifyPage(const std::string&, const VerifyResult&, std::string& error) {
+bool drawVerifyPage(const std::string&, const VerifyResult&, double, std::string& error) {
   error = "built without cairo: no verification page";
   return false;
 }
@@ -24,26 +25,9 @@ bool verifyPageSupported() { return true; }
 
 namespace {
 
-constexpr int kWidth = 1760, kHeight = 860;
+constexpr int kWidth = 1760, kHeight = 900;
 const Colour kPredicted{0.55, 0.68, 0.86}, kMeasured{0.13, 0.28, 0.55}, kWithout{0.75, 0.2, 0.15};
-
-struct Bar {
-  std::string name;
-  uint32_t rgb[3];
-  double predicted, without, measured;  // measured NaN when not measured
-};
-
-std::vector<Bar> bars(const std::vector<ColourPrediction>& p, const std::vector<MeasuredColour>* m) {
-  std::vector<Bar> out;
-  for (const auto& c : p) {
-    Bar b{c.name, {c.rgb[0], c.rgb[1], c.rgb[2]}, c.de, c.deUncalibrated, NAN};
-    if (m != nullptr)
-      for (const auto& mc : *m)
-        if (mc.name == c.name) b.measured = mc.de;
-    out.push_back(b);
-  }
-  return out;
-}
+const Colour kPredictedInk{0.3, 0.45, 0.7};  // the predicted bars' colour, dark enough for text
 
 void rect(cairo_t* cr, const Colour& c, double x, double y0, double w, double y1) {
   setColour(cr, c);
@@ -51,22 +35,48 @@ void rect(cairo_t* cr, const Colour& c, double x, double y0, double w, double y1
   cairo_fill(cr);
 }
 
+// A value beyond the axis: a triangle over its edge and, the `k`-th of its bar, the value below
+// it on a white ground.
+void beyondMark(cairo_t* cr, const Frame& f, double x, double v, const Colour& c, int k) {
+  setColour(cr, c);
+  cairo_move_to(cr, x - 5, f.py(f.y1) - 1);
+  cairo_line_to(cr, x + 5, f.py(f.y1) - 1);
+  cairo_line_to(cr, x, f.py(f.y1) - 9);
+  cairo_close_path(cr);
+  cairo_fill(cr);
+  const double y = f.py(f.y1) + 22 + 15 * k;
+  cairo_set_source_rgb(cr, 1, 1, 1);
+  cairo_rectangle(cr, x - 17, y - 11, 34, 14);
+  cairo_fill(cr);
+  setColour(cr, c);
+  drawText(cr, x, y, printfString("%.2f", v), 11, Align::Centre, true);
+}
+
 // Bars of one set: predicted (light) and measured (dark) side by side, the error without the
-// table as a red tick, and the colour itself as a swatch under each pair with its name.
-void chart(cairo_t* cr, double x, double w, const std::vector<Bar>& set, double top, const std::string& title) {
-  const Frame f{x, 165, w, 480, 0, static_cast<double>(set.size()), 0, top};
-  drawAxes(cr, f, 1e9, top > 8 ? 2 : 1, "", "%.0f", "", "CIEDE2000", title);
-  const double slot = w / set.size();
-  for (size_t i = 0; i < set.size(); ++i) {
-    const Bar& b = set[i];
+// table as a red tick, and the colour itself as a swatch under each pair with its name. Values
+// beyond the axis stand at its edge with their value; the pass limit runs across, dashed.
+void chart(cairo_t* cr, double x, double w, const VerifyPagePlan::Chart& set, const VerifyPagePlan& plan) {
+  const double top = plan.top;
+  const size_t n = std::max<size_t>(set.bars.size(), 1);
+  const Frame f{x, 270, w, 400, 0, static_cast<double>(n), 0, top};
+  drawAxes(cr, f, 1e9, top > 8 ? 2 : top > 3 ? 1 : 0.5, "", top > 3 ? "%.0f" : "%.1f", "", "CIEDE2000", set.title);
+  const double slot = w / n;
+  for (size_t i = 0; i < set.bars.size(); ++i) {
+    const VerifyBar& b = set.bars[i];
     const double x0 = f.x + slot * i + slot * 0.12, bw = slot * 0.36;
-    rect(cr, kPredicted, x0, f.py(0), bw, f.py(std::min(b.predicted, top)));
+    if (std::isfinite(b.predicted)) rect(cr, kPredicted, x0, f.py(0), bw, f.py(std::min(b.predicted, top)));
     if (std::isfinite(b.measured)) rect(cr, kMeasured, x0 + bw, f.py(0), bw, f.py(std::min(b.measured, top)));
-    setColour(cr, kWithout);
-    cairo_set_line_width(cr, 2.5);
-    cairo_move_to(cr, x0 - 2, f.py(std::min(b.without, top)));
-    cairo_line_to(cr, x0 + 2 * bw + 2, f.py(std::min(b.without, top)));
-    cairo_stroke(cr);
+    if (std::isfinite(b.without) && b.without <= top) {
+      setColour(cr, kWithout);
+      cairo_set_line_width(cr, 2.5);
+      cairo_move_to(cr, x0 - 2, f.py(b.without));
+      cairo_line_to(cr, x0 + 2 * bw + 2, f.py(b.without));
+      cairo_stroke(cr);
+    }
+    int k = 0;
+    if (std::isfinite(b.predicted) && b.predicted > top) beyondMark(cr, f, x0 + bw / 2, b.predicted, kPredictedInk, k++);
+    if (std::isfinite(b.measured) && b.measured > top) beyondMark(cr, f, x0 + 1.5 * bw, b.measured, kMeasured, k++);
+    if (std::isfinite(b.without) && b.without > top) beyondMark(cr, f, x0 + bw, b.without, kWithout, k++);
     cairo_set_source_rgb(cr, b.rgb[0] / 255.0, b.rgb[1] / 255.0, b.rgb[2] / 255.0);
     cairo_rectangle(cr, x0, f.py(0) + 8, 2 * bw, 14);
     cairo_fill_preserve(cr);
@@ -80,9 +90,18 @@ void chart(cairo_t* cr, double x, double w, const std::vector<Bar>& set, double 
     drawText(cr, 0, 0, b.name, 12);
     cairo_restore(cr);
   }
+  cairo_set_source_rgb(cr, 0.1, 0.5, 0.2);
+  cairo_set_line_width(cr, 1.5);
+  const double dash[2] = {7, 4};
+  cairo_set_dash(cr, dash, 2, 0);
+  cairo_move_to(cr, f.x, f.py(plan.limit));
+  cairo_line_to(cr, f.x + w, f.py(plan.limit));
+  cairo_stroke(cr);
+  cairo_set_dash(cr, nullptr, 0, 0);
+  drawText(cr, f.x + w - 4, f.py(plan.limit) - 5, printfString("pass limit %.2f", plan.limit), 12, Align::Right);
 }
 
-void legend(cairo_t* cr, double x, double y, bool measured) {
+void legend(cairo_t* cr, double x, double y, bool measured, bool without) {
   rect(cr, kPredicted, x, y - 11, 22, y + 1);
   cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
   drawText(cr, x + 30, y, "predicted from the optical data", 14);
@@ -93,6 +112,7 @@ void legend(cairo_t* cr, double x, double y, bool measured) {
     drawText(cr, x + 30, y, "measured with the table applied", 14);
     x += 290;
   }
+  if (!without) return;
   setColour(cr, kWithout);
   cairo_set_line_width(cr, 2.5);
   cairo_move_to(cr, x, y - 5);
@@ -104,39 +124,23 @@ void legend(cairo_t* cr, double x, double y, bool measured) {
 
 }  // namespace
 
-bool drawVerifyPage(const std::string& path, const VerifyResult& r, std::string& error) {
+bool drawVerifyPage(const std::string& path, const VerifyResult& r, double limit, std::string& error) {
   if (!r.hasPrediction) {
     error = "a verification page needs --odf and --target";
     return false;
   }
-  const Prediction& p = r.prediction;
-  const std::vector<Bar> ref = bars(p.reference, r.hasMeasured ? &r.measured.reference : nullptr);
-  const std::vector<Bar> grey = bars(p.grey, r.hasMeasured ? &r.measured.grey : nullptr);
-  double most = 1;
-  for (const auto* set : {&ref, &grey})
-    for (const Bar& b : *set) most = std::max({most, b.predicted, std::isfinite(b.measured) ? b.measured : 0.0});
-  const double top = std::ceil(most * 1.15);
-
+  const VerifyPagePlan plan = planVerifyPage(r, limit);
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
   cairo_t* cr = cairo_create(surface);
   cairo_set_source_rgb(cr, 0.965, 0.965, 0.955);
   cairo_paint(cr);
   cairo_set_source_rgb(cr, 0.05, 0.05, 0.05);
-  drawText(cr, 40, 44, "Verification: " + r.label, 26, Align::Left, true);
-  char buf[256];
-  std::snprintf(buf, sizeof buf, "reference colours: predicted mean %.2f, max %.2f", p.referenceSummary.mean,
-                p.referenceSummary.max);
-  std::string line = buf;
-  if (r.hasMeasured) {
-    std::snprintf(buf, sizeof buf, "; measured mean %.2f, max %.2f (%s, white Y %.1f%s)", r.measured.referenceSummary.mean,
-                  r.measured.referenceSummary.max, r.measured.source.c_str(), r.measured.whiteY,
-                  r.measured.absolute ? " cd/m2" : "");
-    line += buf;
-  }
-  drawText(cr, 40, 74, line, 15);
-  legend(cr, 40, 104, r.hasMeasured);
-  chart(cr, 90, 1050, ref, top, "21 reference colours");
-  chart(cr, 1230, 490, grey, top, "grey ramp (8-bit levels)");
+  drawText(cr, 40, 44, plan.title, 26, Align::Left, true);
+  const size_t lines = std::min<size_t>(plan.subtitle.size(), 8);
+  for (size_t i = 0; i < lines; ++i) drawText(cr, 40, 72 + 20 * i, plan.subtitle[i], 15);
+  legend(cr, 40, 80 + 20 * lines, r.hasMeasured, !(r.hasMeasured && !r.measured.chart.empty()));
+  chart(cr, 90, 1050, plan.charts[0], plan);
+  chart(cr, 1230, 490, plan.charts[1], plan);
   return finishPng(cr, surface, path, error);
 }
 
