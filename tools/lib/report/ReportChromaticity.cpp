@@ -76,15 +76,9 @@ void locus(cairo_t* cr, const Frame& f) {
 }
 
 void whitesZoom(cairo_t* cr, const ReportPlan& plan) {
-  double cx = 0, cy = 0, n = 0;
-  for (const auto& t : plan.gamut) cx += t.rgbw[3].x, cy += t.rgbw[3].y, ++n;
-  if (n == 0) return;
-  cx /= n, cy /= n;
-  double span = 0.006;
-  for (const auto& t : plan.gamut)
-    span = std::max(span, std::max(std::fabs(t.rgbw[3].x - cx), std::fabs(t.rgbw[3].y - cy)) * 1.3);
-  span = std::ceil(span / 0.002) * 0.002;
-  const Frame z{830, 150, 400, 400, cx - span, cx + span, cy - span, cy + span};
+  if (plan.gamut.empty()) return;
+  const double cx = plan.whiteZoom[0], cy = plan.whiteZoom[1], span = plan.whiteZoom[2];
+  const Frame z{830, 150, kWhiteZoomPixels, kWhiteZoomPixels, cx - span, cx + span, cy - span, cy + span};
   drawAxes(cr, z, span / 2, span / 2, "%.3f", "%.3f", "x", "y", "White points (zoom)");
   cairo_save(cr);
   cairo_rectangle(cr, z.x, z.y, z.w, z.h);
@@ -112,7 +106,7 @@ void whitesZoom(cairo_t* cr, const ReportPlan& plan) {
 }  // namespace
 
 void drawChromaticity(cairo_t* cr, const ReportPlan& plan) {
-  const Frame f{110, 150, 620, 700, 0.0, 0.8, 0.0, 0.9};
+  const Frame f{110, 150, 0.8 / kXyPixel, 0.9 / kXyPixel, 0.0, 0.8, 0.0, 0.9};
   drawAxes(cr, f, 0.1, 0.1, "%.1f", "%.1f", "x", "y", "CIE 1931 xy: measured panel and mode targets");
   cairo_save(cr);
   cairo_rectangle(cr, f.x, f.y, f.w, f.h);
