@@ -76,7 +76,7 @@ std::string lotCsvText(const std::vector<LotPanelResult>& results, const LotSumm
 std::string lotJsonText(const std::vector<LotPanelResult>& results, const LotSummary& s) {
   const auto number = [&s](double v) { return figure(v, s.maxDe, 4); };
   std::string o = "{\"summary\":{\"limit_p95_de2000\":" + exactFigure(s.maxDe) +
-                  ",\"xy_tolerance\":" + exactFigure(s.xyTolerance) + ",\"panels\":" + std::to_string(s.panels);
+                  ",\"xy_tolerance\":" + exactFigure(s.xyTolerance) + ",\"panel_count\":" + std::to_string(s.panels);
   for (int v = 0; v < kLotVerdicts; ++v) {
     std::string key = verdictWord(static_cast<LotVerdict>(v));
     std::replace(key.begin(), key.end(), '-', '_');

@@ -29,7 +29,7 @@ bool lotPageSupported() { return true; }
 
 namespace {
 
-constexpr int kWidth = 1760, kHeight = 1300;
+constexpr int kWidth = 1760, kHeight = 1490;
 constexpr double kKeyTop = 700, kListTop = 960, kListLine = 17;
 const Colour kPassBar{0.3, 0.5, 0.75}, kFailBar{0.8, 0.3, 0.25}, kLimit{0.7, 0.1, 0.1};
 const Colour kInk[4] = {{0.85, 0.1, 0.1}, {0.1, 0.6, 0.15}, {0.15, 0.2, 0.85}, {0.2, 0.2, 0.2}};
@@ -41,21 +41,6 @@ double niceStep(double raw) {
   for (double m : {1.0, 2.0, 5.0})
     if (m * p >= raw) return m * p;
   return 10 * p;
-}
-
-// `s` cut to `width` pixels at `size`, with an ellipsis when cut.
-std::string fitted(cairo_t* cr, std::string s, double size, double width) {
-  cairo_select_font_face(cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-  cairo_set_font_size(cr, size);
-  cairo_text_extents_t ext;
-  cairo_text_extents(cr, s.c_str(), &ext);
-  if (ext.x_advance <= width) return s;
-  while (!s.empty()) {
-    s.pop_back();
-    cairo_text_extents(cr, (s + "...").c_str(), &ext);
-    if (ext.x_advance <= width) break;
-  }
-  return s + "...";
 }
 
 void swatch(cairo_t* cr, double x, double y, const Colour& c, const std::string& label) {
@@ -239,15 +224,11 @@ void key(cairo_t* cr, const LotPagePlan& p) {
 void list(cairo_t* cr, const LotPagePlan& p) {
   cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
   drawText(cr, 40, kListTop - 24, "Panels that do not pass, and outliers", 16, Align::Left, true);
-  const size_t columns = p.listed.size() <= kLotListRows ? 1 : kLotListColumns;
-  const double width = (kWidth - 80.0) / static_cast<double>(columns);
   cairo_set_source_rgb(cr, 0.55, 0.1, 0.1);
-  for (size_t i = 0; i < p.listed.size(); ++i) {
-    const double x = 40 + width * static_cast<double>(i / kLotListRows), y = kListTop + kListLine * (i % kLotListRows);
-    drawText(cr, x, y, fitted(cr, p.listed[i], 12, width - 16), 12);
-  }
+  for (size_t i = 0; i < p.listed.size(); ++i)
+    drawText(cr, 40, kListTop + kListLine * static_cast<double>(i), fitText(cr, p.listed[i], 12, kWidth - 80.0), 12);
   if (p.notListed > 0)
-    drawText(cr, 40 + width * static_cast<double>(columns - 1), kListTop + kListLine * (kLotListRows - 1),
+    drawText(cr, 40, kListTop + kListLine * static_cast<double>(p.listed.size()),
              "... and " + std::to_string(p.notListed) + " more in the text output, the CSV and the JSON", 12);
   if (p.listed.empty()) drawText(cr, 40, kListTop, "none", 12);
 }

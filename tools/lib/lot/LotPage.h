@@ -46,7 +46,7 @@ struct LotPagePlan {
 // The xy diagram's width in pixels for x 0..0.8: targets closer than a pixel share a line.
 constexpr double kLotDiagramPixels = 400;
 // Lines of the list at the foot of the page.
-constexpr size_t kLotListRows = 19, kLotListColumns = 2;
+constexpr size_t kLotListRows = 30;
 
 LotPagePlan planLotPage(const std::vector<LotPanelResult>& results, const LotSummary& summary);
 

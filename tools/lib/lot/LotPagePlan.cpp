@@ -86,13 +86,17 @@ LotPagePlan planLotPage(const std::vector<LotPanelResult>& results, const LotSum
   addKey(p, p.notDrawn > 0, Mark::None,
          std::to_string(p.notDrawn) + " display(s) without a usable measurement of their own: not drawn");
 
+  // What needs a look first: panels that cannot be judged, failing ones and outliers, then
+  // those on golden data.
   std::vector<std::string> lines;
-  for (const auto& [verdict, what] : {std::make_pair(LotVerdict::Unjudged, "cannot be judged"),
-                                      std::make_pair(LotVerdict::OffOwnData, "not on its own optical data")})
+  const auto addClass = [&](LotVerdict verdict, const char* what) {
     for (const auto& r : results)
       if (r.verdict() == verdict) lines.push_back(r.name + ": " + what + ": " + r.reason());
+  };
+  addClass(LotVerdict::Unjudged, "cannot be judged");
   for (const auto& o : s.outliers) lines.push_back(o.text);
-  const size_t room = kLotListRows * kLotListColumns;
+  addClass(LotVerdict::OffOwnData, "not on its own optical data");
+  const size_t room = kLotListRows;
   const size_t shown = lines.size() <= room ? lines.size() : room - 1;
   p.listed.assign(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(shown));
   p.notListed = lines.size() - shown;

@@ -64,24 +64,23 @@ void planWhiteZoom(const std::vector<PlanTriangle>& gamut, ReportPlan& plan) {
 
 // Triangles coincide when their primaries are within a pixel of the diagram; they are the same
 // when their whites are also within a pixel of the zoom, where they are told apart.
-void groupTriangles(std::vector<PlanTriangle>& tris, size_t from, const ReportPlan& plan,
-                    const std::vector<std::string>& names) {
+void groupTriangles(std::vector<PlanTriangle>& tris, const ReportPlan& plan, const std::vector<std::string>& names) {
   const auto near = [](Chroma a, Chroma b, double pixel) {
     return std::fabs(a.x - b.x) <= pixel && std::fabs(a.y - b.y) <= pixel;
   };
-  const auto first = coincidenceGroups(tris.size() - from, [&](size_t a, size_t b) {
+  const auto first = coincidenceGroups(tris.size(), [&](size_t a, size_t b) {
     for (int c = 0; c < 3; ++c)
-      if (!near(tris[from + a].rgbw[c], tris[from + b].rgbw[c], kXyPixel)) return false;
+      if (!near(tris[a].rgbw[c], tris[b].rgbw[c], kXyPixel)) return false;
     return true;
   });
   const double zoomPixel = 2 * plan.whiteZoom[2] / kWhiteZoomPixels;
   for (size_t i = 0; i < first.size(); ++i) {
     size_t j = 0, k = 0;
     groupPlace(first, i, j, k);
-    PlanTriangle& t = tris[from + i];
+    PlanTriangle& t = tris[i];
     if (!t.measured) t.style = sharedLineStyle(t.style.colour, j, k);
     if (first[i] == i) continue;
-    const bool white = near(t.rgbw[3], tris[from + first[i]].rgbw[3], zoomPixel);
+    const bool white = near(t.rgbw[3], tris[first[i]].rgbw[3], zoomPixel);
     t.label += (white ? " (same as " : " (primaries as ") + names[first[i]] + ")";
   }
 }
@@ -115,8 +114,8 @@ void planGamut(const PanelReport& rep, ReportPlan& plan) {
   plan.gamut = targets;
   plan.gamut.insert(plan.gamut.end(), sets.begin(), sets.end());
   planWhiteZoom(plan.gamut, plan);
-  groupTriangles(targets, 0, plan, targetNames);
-  groupTriangles(sets, 0, plan, setNames);
+  groupTriangles(targets, plan, targetNames);
+  groupTriangles(sets, plan, setNames);
   plan.gamut = targets;
   plan.gamut.insert(plan.gamut.end(), sets.begin(), sets.end());
 }

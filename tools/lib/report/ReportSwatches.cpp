@@ -39,7 +39,7 @@ void drawSwatches(cairo_t* cr, const ReportPlan& plan) {
     cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
     drawText(cr, x0, y + swatchH / 2, row.table, 14);
     cairo_set_source_rgb(cr, 0.35, 0.35, 0.35);
-    drawText(cr, x0, y + swatchH / 2 + 17, row.made, 11);
+    drawText(cr, x0, y + swatchH / 2 + 17, fitText(cr, row.made, 11, label - 8), 11);
     if (row.cells.empty()) {
       cairo_set_source_rgb(cr, 0.45, 0.45, 0.45);
       drawText(cr, x0 + label, y + swatchH / 2 + 5, row.note, 14);
