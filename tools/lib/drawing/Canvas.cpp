@@ -35,6 +35,16 @@ std::string fitText(cairo_t* cr, std::string s, double size, double width) {
   return s + "...";
 }
 
+void drawCross(cairo_t* cr, double x, double y, double r, double width) {
+  cairo_set_dash(cr, nullptr, 0, 0);
+  cairo_set_line_width(cr, width);
+  cairo_move_to(cr, x - r, y - r);
+  cairo_line_to(cr, x + r, y + r);
+  cairo_move_to(cr, x - r, y + r);
+  cairo_line_to(cr, x + r, y - r);
+  cairo_stroke(cr);
+}
+
 void setColour(cairo_t* cr, const Colour& c, double alpha) { cairo_set_source_rgba(cr, c.r, c.g, c.b, alpha); }
 
 void drawAxes(cairo_t* cr, const Frame& f, double xStep, double yStep, const char* xTickFmt, const char* yTickFmt,

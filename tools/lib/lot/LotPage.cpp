@@ -84,15 +84,20 @@ void histogram(cairo_t* cr, const LotSummary& s) {
   swatch(cr, f.x + f.w - 190, f.y + 60, kFailBar, "modes that fail");
 }
 
-void cross(cairo_t* cr, double x, double y, double r) {
+void goldenMark(cairo_t* cr, double x, double y, double r) {
   cairo_set_source_rgb(cr, 0, 0, 0);
-  cairo_set_dash(cr, nullptr, 0, 0);
-  cairo_set_line_width(cr, 2);
-  cairo_move_to(cr, x - r, y - r);
-  cairo_line_to(cr, x + r, y + r);
-  cairo_move_to(cr, x - r, y + r);
-  cairo_line_to(cr, x + r, y - r);
+  drawCross(cr, x, y, r, 2);
+}
+
+void toleranceCircle(cairo_t* cr, double x, double y, double r) {
+  const double dash[] = {5, 4};
+  cairo_set_source_rgb(cr, 0.3, 0.3, 0.3);
+  cairo_set_line_width(cr, 1.2);
+  cairo_set_dash(cr, dash, 2, 0);
+  cairo_new_sub_path(cr);
+  cairo_arc(cr, x, y, r, 0, 2 * M_PI);
   cairo_stroke(cr);
+  cairo_set_dash(cr, nullptr, 0, 0);
 }
 
 void mark(cairo_t* cr, double x, double y, LotVerdict v, int point, double radius) {
@@ -118,7 +123,7 @@ void marks(cairo_t* cr, const Frame& f, const LotPagePlan& p, int point, double 
   for (LotVerdict v : {LotVerdict::Pass, LotVerdict::OffOwnData, LotVerdict::Fail})
     for (const auto& m : p.marks)
       if (m.verdict == v) mark(cr, f.px(m.xy[point][0]), f.py(m.xy[point][1]), v, point, radius);
-  if (p.hasGolden) cross(cr, f.px(p.golden[point][0]), f.py(p.golden[point][1]), 6);
+  if (p.hasGolden) goldenMark(cr, f.px(p.golden[point][0]), f.py(p.golden[point][1]), 6);
   cairo_restore(cr);
 }
 
@@ -169,16 +174,7 @@ void zooms(cairo_t* cr, const LotPagePlan& p, double tolerance) {
         p.hasGolden ? ": " + std::to_string(p.beyond[point]) + " outside" : "";
     drawAxes(cr, f, niceStep(half / 2), niceStep(half / 2), "%.3f", "%.3f", "x", "y",
              std::string(kPointNames[point]) + beyond);
-    if (p.hasGolden) {
-      const double dash[] = {5, 4};
-      cairo_set_source_rgb(cr, 0.3, 0.3, 0.3);
-      cairo_set_line_width(cr, 1.2);
-      cairo_set_dash(cr, dash, 2, 0);
-      cairo_new_sub_path(cr);
-      cairo_arc(cr, f.px(cx), f.py(cy), f.px(cx + tolerance) - f.px(cx), 0, 2 * M_PI);
-      cairo_stroke(cr);
-      cairo_set_dash(cr, nullptr, 0, 0);
-    }
+    if (p.hasGolden) toleranceCircle(cr, f.px(cx), f.py(cy), f.px(cx + tolerance) - f.px(cx));
     marks(cr, f, p, point, 2.2);
   }
 }
@@ -195,18 +191,8 @@ void key(cairo_t* cr, const LotPagePlan& p) {
       case Mark::Pass: mark(cr, x, my, LotVerdict::Pass, 3, 3); break;
       case Mark::Fail: mark(cr, x, my, LotVerdict::Fail, 3, 3); break;
       case Mark::OffOwnData: mark(cr, x, my, LotVerdict::OffOwnData, 3, 3); break;
-      case Mark::Golden: cross(cr, x, my, 5); break;
-      case Mark::Tolerance: {
-        const double dash[] = {5, 4};
-        cairo_set_source_rgb(cr, 0.3, 0.3, 0.3);
-        cairo_set_line_width(cr, 1.2);
-        cairo_set_dash(cr, dash, 2, 0);
-        cairo_new_sub_path(cr);
-        cairo_arc(cr, x, my, 7, 0, 2 * M_PI);
-        cairo_stroke(cr);
-        cairo_set_dash(cr, nullptr, 0, 0);
-        break;
-      }
+      case Mark::Golden: goldenMark(cr, x, my, 5); break;
+      case Mark::Tolerance: toleranceCircle(cr, x, my, 7); break;
       case Mark::Target: {
         applyStyle(cr, line.style);
         cairo_move_to(cr, x - 12, my);

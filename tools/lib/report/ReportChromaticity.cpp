@@ -15,16 +15,6 @@ namespace pctool {
 
 namespace {
 
-void cross(cairo_t* cr, double x, double y, double r) {
-  cairo_set_dash(cr, nullptr, 0, 0);
-  cairo_set_line_width(cr, 2.5);
-  cairo_move_to(cr, x - r, y - r);
-  cairo_line_to(cr, x + r, y + r);
-  cairo_move_to(cr, x - r, y + r);
-  cairo_line_to(cr, x + r, y - r);
-  cairo_stroke(cr);
-}
-
 // Hollow marks of the measured whites: circle, square, triangle, diamond by set.
 void whiteMarker(cairo_t* cr, double x, double y, int shape, double r) {
   cairo_set_dash(cr, nullptr, 0, 0);
@@ -98,7 +88,7 @@ void whitesZoom(cairo_t* cr, const ReportPlan& plan) {
     const double x = z.px(t.rgbw[3].x), y = z.py(t.rgbw[3].y);
     setColour(cr, styleColour(t.style));
     if (t.measured) whiteMarker(cr, x, y, set++, 7);
-    else cross(cr, x, y, 7);
+    else drawCross(cr, x, y, 7, 2.5);
   }
   cairo_restore(cr);
 }
@@ -121,7 +111,7 @@ void drawChromaticity(cairo_t* cr, const ReportPlan& plan) {
   for (const auto& t : plan.gamut) {
     setColour(cr, styleColour(t.style));
     if (t.measured) whiteMarker(cr, f.px(t.rgbw[3].x), f.py(t.rgbw[3].y), set++, 4);
-    else cross(cr, f.px(t.rgbw[3].x), f.py(t.rgbw[3].y), 4);
+    else drawCross(cr, f.px(t.rgbw[3].x), f.py(t.rgbw[3].y), 4, 2.5);
   }
   cairo_restore(cr);
   whitesZoom(cr, plan);
