@@ -1,4 +1,6 @@
 // panelcorvane report: one PNG page per panel.
+#include <pchost/host.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -83,6 +85,7 @@ int fromFiles(const ParsedArgs& a, PanelReport& rep) {
       ReportTarget t;
       t.mode = pairArg.substr(0, eq);
       const std::string path = pairArg.substr(eq + 1);
+      t.path = path;
       if (!readTargetFile(path, t.target, t.count, err)) return bad(path, err);
       for (const auto& f : checkTarget(t.target, t.count)) rep.notes.push_back(fileName(path) + ": " + f.line());
       rep.targets.push_back(t);
@@ -92,9 +95,12 @@ int fromFiles(const ParsedArgs& a, PanelReport& rep) {
     const std::string path = a.value("--tables");
     std::vector<LoadedTable> tables;
     if (!loadTables(path, tables, err)) return bad(path, err);
-    rep.tablesText = "tables: " + path + ", " + std::to_string(tables.size());
+    rep.tablesText = std::string("tables: ") + kindName(tables[0].kind) + " " + path + ", " +
+                     std::to_string(tables.size()) + (tables.size() == 1 ? " table" : " tables");
     for (size_t k = 0; k < tables.size(); ++k) {
-      ReportTable t{tables.size() > 1 ? cacheTableName(static_cast<uint32_t>(k)) : fileName(path), tables[k].lut};
+      // A lone table is named by the mode of its lone target.
+      const std::string lone = fileName(path) + (rep.targets.size() == 1 ? " (" + rep.targets[0].mode + ")" : "");
+      ReportTable t{tables.size() > 1 ? cacheTableName(static_cast<uint32_t>(k)) : lone, tables[k].lut};
       t.odf = 0;
       // A lone table goes with a lone target; a cache's tables with their mode's target.
       const std::string mode = modeOfTable(t.name);
@@ -112,6 +118,7 @@ int fromDevice(const ParsedArgs& a, std::vector<std::pair<PanelReport, std::stri
   std::error_code ec;
   if (!std::filesystem::is_directory(dir, ec))
     return bad(dir, std::filesystem::exists(dir, ec) ? "not a folder" : "no such folder");
+  pchost::setLogEcho(false);  // the identity check logs as the plugin does; the pages are the output
   std::vector<TableJob> jobs;
   bool haveLog = false;
   std::string logPath = a.value("--log");

@@ -11,37 +11,44 @@
 #include "tools/lib/common/CliArgs.h"
 #include "tools/lib/common/FileAccess.h"
 #include "tools/lib/common/ProgressBar.h"
+#include "tools/lib/lot/LotPage.h"
 #include "tools/lib/lot/LotVerify.h"
 
 namespace pctool {
 
 const char kVerifyLotHelp[] =
-    "\nusage: panelcorvane verify --lot DIR... [--max-de X] [--csv OUT] [--json OUT] [--png OUT] [-j N]\n"
+    "\nusage: panelcorvane verify --lot DIR... [--max-de X] [--xy-tolerance D] [--csv OUT] [--json OUT]\n"
+    "                           [--png OUT] [-j N]\n"
     "\n"
-    "With --lot, checks every device tree given: DIR itself when it is one (it has\n"
-    "odm/etc/PanelCorvane/panelcorvane), else each of its sub-folders that is one, in name\n"
-    "order. Each display's tables come from the tree's table cache when the plugin would take\n"
-    "it, else they are generated in memory exactly as the plugin would generate them, from the\n"
-    "local optical data when the identity stamp matches and every local file passes its CRC,\n"
-    "else from the golden data. Each table is paired with its mode's target and the optical data\n"
-    "it was made from (100-nit or full) and gets the predicted CIEDE2000 of the calibrated panel\n"
-    "on the 21 reference colours and the grey ramp: mean, 95th percentile and maximum. A mode\n"
-    "passes when its 95th percentile is at most X (--max-de, default 2.0): the one or two worst\n"
-    "colours of a wide-gamut mode lie outside the panel's gamut. A panel passes when all of its\n"
-    "modes do. Prints the yield, the distribution of the modes' 95th percentiles and the\n"
-    "outliers (failing panels, and passing ones far above the lot). Each mode is judged on the\n"
-    "panel's own measurements when its identity matches and the file passes its CRC, else on\n"
-    "the golden data.\n"
+    "With --lot, checks every panel of the lot: DIR itself when it is a device tree (it has\n"
+    "odm/etc/PanelCorvane/panelcorvane), else every sub-folder of DIR (hidden ones aside) in name\n"
+    "order; a sub-folder that is not a readable tree is listed as one that cannot be judged.\n"
+    "Each display's tables come from the tree's table cache when the plugin would take it, else\n"
+    "they are generated in memory exactly as the plugin would generate them, from the local\n"
+    "optical data when the identity stamp matches and every local file passes its CRC, else\n"
+    "from the golden data. Each table is paired with its mode's target and the optical data it\n"
+    "was made from (100-nit or full) and gets the predicted CIEDE2000 of the calibrated panel on\n"
+    "the 21 reference colours and the grey ramp: mean, 95th percentile and maximum, judged on\n"
+    "the panel's own measurements when its identity matches and the file passes its CRC, else\n"
+    "on the golden data. A mode passes when its 95th percentile is at most X (--max-de, default\n"
+    "2.0): the one or two worst colours of a wide-gamut mode lie outside the panel's gamut.\n"
+    "Each panel is in one class: pass (every mode passes), fail, not on its own optical data\n"
+    "(its tables come from golden data: the reason is given, its figures say nothing of its\n"
+    "calibration), or cannot be judged (named with the reason). The yield is the share of all\n"
+    "panels that pass. Prints the classes, the distribution of the modes' 95th percentiles and\n"
+    "the outliers (failing panels, and passing ones far above the lot).\n"
     "\n"
-    "  --max-de X   the pass limit of a mode's 95th-percentile predicted dE00 (default 2.0)\n"
-    "  --csv OUT    one row per panel and mode (data source, cache or generated, figures, result)\n"
-    "  --json OUT   the summary and every panel's figures\n"
-    "  --png OUT    a summary page: the distribution and the lot's primaries on the xy diagram\n"
-    "               (needs cairo: without it the command says so and exits 1)\n"
-    "  -j N         panels checked at a time (default: one per hardware thread)\n"
+    "  --max-de X        the pass limit of a mode's 95th-percentile predicted dE00 (default 2.0)\n"
+    "  --xy-tolerance D  drawn on the page around the golden primaries and white (default 0.005)\n"
+    "  --csv OUT         one row per panel and mode (class, data source, cache or generated,\n"
+    "                    figures, result, note)\n"
+    "  --json OUT        the summary and one record per panel\n"
+    "  --png OUT         a summary page: the distribution and the lot's primaries on the xy\n"
+    "                    diagram (needs cairo: without it the command says so and exits 1)\n"
+    "  -j N              panels checked at a time (default: one per hardware thread)\n"
     "\n"
     "Failing panels do not fail the command: it exits 0 and says the yield. It exits 1 when a\n"
-    "DIR holds no device tree, a tree cannot be read or an output cannot be written.\n";
+    "DIR holds no device tree, a panel cannot be judged or an output cannot be written.\n";
 
 namespace {
 
@@ -50,10 +57,10 @@ int usage(const std::string& why) {
   return kUsage;
 }
 
-bool parseLimit(const std::string& s, double& out) {
+bool parseLimit(const std::string& s, double top, double& out) {
   char* end = nullptr;
   out = std::strtod(s.c_str(), &end);
-  return !s.empty() && *end == '\0' && std::isfinite(out) && out > 0 && out <= 100;
+  return !s.empty() && *end == '\0' && std::isfinite(out) && out > 0 && out <= top;
 }
 
 }  // namespace
@@ -61,12 +68,14 @@ bool parseLimit(const std::string& s, double& out) {
 int runVerifyLot(const std::vector<std::string>& args) {
   ParsedArgs a;
   std::string err;
-  if (!parseArgs(args, {"--max-de", "--csv", "--json", "--png", "-j"}, {"--lot"}, a, err)) return usage(err);
+  if (!parseArgs(args, {"--max-de", "--xy-tolerance", "--csv", "--json", "--png", "-j"}, {"--lot"}, a, err)) return usage(err);
   if (a.positional.empty()) return usage("--lot needs at least one DIR");
-  double maxDe = kDefaultMaxDe;
+  double maxDe = kDefaultMaxDe, xyTolerance = kDefaultXyTolerance;
   int jobs = 0;
-  if (a.has("--max-de") && !parseLimit(a.value("--max-de"), maxDe))
+  if (a.has("--max-de") && !parseLimit(a.value("--max-de"), 100, maxDe))
     return usage("--max-de wants a dE00 above 0 and at most 100, not '" + a.value("--max-de") + "'");
+  if (a.has("--xy-tolerance") && !parseLimit(a.value("--xy-tolerance"), 0.1, xyTolerance))
+    return usage("--xy-tolerance wants an xy distance above 0 and at most 0.1, not '" + a.value("--xy-tolerance") + "'");
   if (a.has("-j") && (!parseIndex(a.value("-j"), 257, jobs) || jobs == 0)) return usage("-j wants 1..256");
   if (a.has("--png") && !lotPageSupported()) {
     fprintf(stderr, "panelcorvane verify: %s: built without cairo: no summary page\n", a.value("--png").c_str());
@@ -83,18 +92,17 @@ int runVerifyLot(const std::vector<std::string>& args) {
     ProgressBar bar("verify", trees.size());
     results = verifyLot(trees, maxDe, static_cast<unsigned>(jobs), [&] { bar.tick(); });
   }
-  const LotSummary summary = summariseLot(results, maxDe);
-  fputs(lotSummaryText(summary).c_str(), stdout);
+  const LotSummary summary = summariseLot(results, maxDe, xyTolerance);
+  fputs(lotSummaryText(results, summary).c_str(), stdout);
 
   int status = kOk;
   for (const auto& r : results) {
-    if (r.error.empty()) continue;
-    fprintf(stderr, "panelcorvane verify: %s\n", r.error.c_str());
+    if (r.verdict() != LotVerdict::Unjudged) continue;
+    fprintf(stderr, "panelcorvane verify: %s: cannot be judged: %s\n", r.name.c_str(), r.reason().c_str());
     status = kBadInput;
   }
   const std::pair<const char*, std::string (*)(const std::vector<LotPanelResult>&, const LotSummary&)> texts[] = {
-      {"--csv", [](const std::vector<LotPanelResult>& r, const LotSummary&) { return lotCsvText(r); }},
-      {"--json", lotJsonText}};
+      {"--csv", lotCsvText}, {"--json", lotJsonText}};
   for (const auto& [option, render] : texts) {
     if (!a.has(option)) continue;
     if (!writeWholeFile(a.value(option), render(results, summary), err)) {

@@ -151,6 +151,7 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"mkdevice --lot 5 M -j 0", 2, "-j wants"},
       {"verify --lot", 2, "needs at least one DIR"},
       {"verify --lot L --max-de -1", 2, "--max-de wants"},
+      {"verify --lot L --xy-tolerance 0", 2, "--xy-tolerance wants"},
       {"verify --lot L -j 0", 2, "-j wants"},
       {"verify --lot L --bogus", 2, "unknown option --bogus"},
       // Done, with what an engineer must hear.

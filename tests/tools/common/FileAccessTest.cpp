@@ -4,9 +4,11 @@
 
 #include <cmath>
 #include <string>
+#include <tuple>
 
 #include "tests/support/TestSupport.h"
 #include "tools/lib/common/JsonText.h"
+#include "tools/lib/common/PrintfString.h"
 
 namespace {
 
@@ -58,6 +60,19 @@ TEST(FileAccess, PathParts) {
 TEST(JsonText, StringsAreEscapedAndNonNumbersAreNull) {
   EXPECT_EQ(pctool::jsonString("a \"q\" \\ \x01"), "\"a \\\"q\\\" \\\\ \\u0001\"");
   EXPECT_EQ(pctool::jsonNumber(NAN) + pctool::jsonNumber(INFINITY) + " " + pctool::jsonNumber(0.5, 2), "nullnull 0.50");
+}
+
+// A figure printed against a limit reads on the side of the limit that it is on.
+TEST(PrintfString, FiguresAreAsPreciseAsTheyDecide) {
+  const std::tuple<double, double, const char*> rows[] = {
+      {1.302, 1.3, "1.302"},    // fails: not "1.30"
+      {1.2996, 1.3, "1.30"},    // passes, and "1.30" passes too
+      {1.3004, 1.3, "1.3004"},  // fails by less than a thousandth
+      {1.3, 1.3, "1.30"},       // at the limit passes
+      {2.5, 1.3, "2.50"},
+  };
+  for (const auto& [v, limit, text] : rows) EXPECT_EQ(pctool::decidingFigure(v, limit), text) << v;
+  EXPECT_EQ(pctool::exactFigure(1.255) + " " + pctool::exactFigure(2), "1.255 2") << "a limit as it was given";
 }
 
 }  // namespace

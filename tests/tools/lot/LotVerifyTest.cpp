@@ -18,13 +18,16 @@
 #include "tools/lib/device/PanelTables.h"
 #include "tools/lib/device/PropertyFile.h"
 #include "tools/lib/device/SyntheticDevice.h"
+#include "tools/lib/lot/LotPage.h"
 #include "tools/lib/lot/ProductionLot.h"
 #include "tools/lib/tables/TableSource.h"
 
 namespace {
 
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+using pctool::LotFault;
 
 using pctest::ToolRun;
 namespace fs = std::filesystem;
@@ -103,79 +106,120 @@ TEST_F(LotVerify, IdentityIsJudgedPerPanel) {
   EXPECT_FALSE(pctool::identityMatches(dir + "/D", 1)) << "no serial number";
 }
 
-// Every panel off its own data is named, whatever the thread count; an unreadable tree too.
-TEST_F(LotVerify, FaultyPanelsAreNamedWhateverTheThreadCount) {
+// Every folder of the lot is in one class, named with its reason, whatever the thread count:
+// a faulty panel is not on its own data and outside the yield, an unreadable one fails the run.
+TEST_F(LotVerify, EveryFolderIsInOneClassWhateverTheThreadCount) {
   ASSERT_EQ(run("mkdevice --lot 12 L --seed 3").status, 0);
+  const auto lot = pctool::planLot(12, 3);
+  const auto gone = std::find_if(lot.begin(), lot.end(), [](const auto& p) { return p.fault == LotFault::None; });
+  fs::remove(dir + "/L/" + gone->name + "/odm/etc/PanelCorvane/panelcorvane");
   const ToolRun r = run("verify --lot L --csv l.csv --json l.json -j 1");
-  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.status, 1);
+  EXPECT_THAT(r.err, HasSubstr(gone->name + ": cannot be judged: L/" + gone->name + "/odm/etc/PanelCorvane/panelcorvane"));
   const ToolRun two = run("verify --lot L --csv 2.csv --json 2.json -j 2");
   EXPECT_EQ(r.out, two.out);
   const std::string csv = root.read("/l.csv"), json = root.read("/l.json");
   EXPECT_EQ(csv, root.read("/2.csv"));
   EXPECT_EQ(json, root.read("/2.json"));
-  EXPECT_THAT(r.out, HasSubstr("tables: 1 golden, 2 golden although the identity matched, 9 local\n"));
-  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 12 * 8) << "one row per panel and mode";
-  for (const auto& p : pctool::planLot(12, 3)) {
-    const char* source = p.fault == pctool::LotFault::None              ? ",local,generated,"
-                         : p.fault == pctool::LotFault::MismatchedStamp ? ",golden,generated,golden,"
-                                                                         : ",golden although the identity matched,";
-    const std::string row = csvRow(csv, p.name + ",PanelCorvane_primary,1,Vivid,");
-    EXPECT_THAT(row, HasSubstr(source)) << p.name << " " << pctool::lotFaultName(p.fault) << ": " << row;
-    EXPECT_THAT(json, HasSubstr("{\"panel\":\"" + p.name + "\"")) << p.name;
-    // A faulty panel may pass on golden data; the summary still names it.
-    const bool named = r.out.find("not on its own optical data: " + p.name + " ") != std::string::npos;
-    EXPECT_EQ(named, p.fault != pctool::LotFault::None) << p.name << "\n" << r.out;
+  EXPECT_THAT(r.out, HasSubstr("yield: 8 of 12 panels pass every mode on their own optical data (66.7 %)"));
+  EXPECT_THAT(r.out, HasSubstr("panels: 8 pass, 0 fail, 3 not on their own optical data, 1 cannot be judged\n"));
+  EXPECT_THAT(json, HasSubstr("\"panel_count\":12,\"pass\":8,\"fail\":0,\"off_own_data\":3,\"unjudged\":1,"));
+  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 11 * 8 + 1) << "one row per panel and mode";
+  for (const auto& p : lot) {
+    const bool off = p.fault != LotFault::None;
+    const std::string verdict = &p == &*gone ? "unjudged" : off ? "off-own-data" : "pass";
+    const std::string row = csvRow(csv, p.name + ",");
+    EXPECT_THAT(row, StartsWith(p.name + "," + verdict + ",")) << row;
+    EXPECT_THAT(json, HasSubstr("{\"folder\":\"" + p.name + "\",\"path\":\"L/" + p.name + "\",\"verdict\":\"" + verdict))
+        << p.name;
+    if (!off) continue;
+    // The note says why: the identity, or the local file that failed.
+    const std::string why = p.fault == LotFault::MismatchedStamp ? "identity not matched" : "/" + p.detail + ": ";
+    EXPECT_THAT(row, ContainsRegex(",off-own-data,\"?not on its own optical data: tables from golden data: ")) << row;
+    EXPECT_THAT(row, HasSubstr(why)) << row;
+    EXPECT_THAT(r.out, HasSubstr("not on its own optical data: " + p.name + ": PanelCorvane_primary: tables from golden"));
   }
-  // A tree named on its own comes first, then the lot's trees in name order.
-  fs::remove(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
-  fs::create_directories(dir + "/L/panel-0002/odm/etc/PanelCorvane/panelcorvane");
+  EXPECT_THAT(json, HasSubstr("\"result\":\"pass\",\"note\":\"\"}"));
+  // A tree named on its own comes first, then the lot's folders in name order.
+  fs::create_directories(dir + "/L/" + gone->name + "/odm/etc/PanelCorvane/panelcorvane");
   const ToolRun broken = run("verify --lot L/panel-0003 L --csv b.csv");
   EXPECT_EQ(broken.status, 1);
-  EXPECT_THAT(broken.err, HasSubstr("panel-0002/odm/etc/PanelCorvane/panelcorvane: "));
   const std::string b = root.read("/b.csv");
-  EXPECT_THAT(b, HasSubstr("\npanel-0002,,,,,,,,,,unreadable,"));
+  EXPECT_THAT(b, HasSubstr("\n" + gone->name + ",unjudged,,,,,,,,,,,,unjudged,\"L/" + gone->name +
+                           "/odm/etc/PanelCorvane/panelcorvane: is a folder"));
   EXPECT_LT(b.find("\npanel-0003,"), b.find("\npanel-0001,"));
   EXPECT_LT(b.find("\npanel-0001,"), b.find("\npanel-0012,"));
 }
 
-TEST_F(LotVerify, YieldDistributionAndOutliers) {
-  auto panel = [](const std::string& name, std::vector<double> p95) {
-    pctool::LotPanelResult r;
-    r.name = name;
-    r.displays.push_back({"P", "local", false, "", {}, false});
-    for (size_t k = 0; k < p95.size(); ++k)
-      r.modes.push_back({"P", static_cast<int>(k), "m", "local", 0.1, p95[k], p95[k] + 2, p95[k] <= 2.0, ""});
-    return r;
+// The classes, the yield, the fixed bins, the outliers, figures printed as they decide, and the
+// page's marks and list, from made-up panels.
+TEST_F(LotVerify, ClassesYieldOutliersAndThePage) {
+  using pctool::LotVerdict;
+  struct Row {
+    std::string name;
+    std::vector<double> p95;
+    std::string off;  // why the tables are not the panel's own
+    LotVerdict verdict;
+  };
+  const Row rows[] = {
+      {"slow", {0.5, 1.9}, "", LotVerdict::Pass},               // passes, far above the rest
+      {"bad", {2.5, 2.002}, "", LotVerdict::Fail},              // fails its first mode, the second by 0.002
+      {"fallback", {0.5, 0.6}, "crc", LotVerdict::OffOwnData},  // passes on golden data: its own class
+      {"none", {}, "", LotVerdict::Unjudged},                   // a display without tables is not judged
+      {"broken", {}, "", LotVerdict::Unjudged},                 // an unreadable tree
   };
   std::vector<pctool::LotPanelResult> lot;
-  for (int i = 0; i < 8; ++i) lot.push_back(panel("p" + std::to_string(i), {0.5, 0.6 + 0.01 * i}));
-  lot.push_back(panel("slow", {0.5, 1.9}));   // passes, far above the rest
-  lot.push_back(panel("bad", {2.5, 0.4}));    // fails its first mode
-  lot.push_back(panel("none", {}));           // a display without tables never passes
-  lot.back().modes.push_back({"P", -1, "no tables", "", 0, 0, 0, false, "no usable optical data"});
-  pctool::LotPanelResult broken;
-  broken.name = "broken";
-  broken.error = "broken/odm/etc/PanelCorvane/panelcorvane: no such file";
-  lot.push_back(broken);
+  auto add = [&lot](const std::string& name, const std::vector<double>& p95, const std::string& off) {
+    pctool::LotPanelResult r;
+    r.name = name;
+    r.maxDe = 2;
+    pctool::LotDisplay d;
+    d.name = "P";
+    d.offReason = off;
+    d.hasOwn = d.hasGolden = true;
+    d.own[0][0] = d.golden[0][0] = 0.68;
+    d.own[0][0] += name == "slow" ? 0.01 : 0;  // beyond the tolerance
+    r.displays.push_back(d);
+    for (size_t k = 0; k < p95.size(); ++k) {
+      pctool::LotMode m;
+      m.display = "P", m.table = static_cast<int>(k), m.mode = "m" + std::to_string(k);
+      m.p95 = p95[k], m.figures = true, m.pass = p95[k] <= 2;
+      r.modes.push_back(m);
+    }
+    if (p95.empty()) r.modes.push_back({"P", -1, "no tables", "", "", "", 0, 0, 0, false, false, ""});
+    lot.push_back(r);
+  };
+  for (int i = 0; i < 8; ++i) add("p" + std::to_string(i), {0.5, 0.6 + 0.01 * i}, "");
+  for (const auto& row : rows) add(row.name, row.p95, row.off);
+  lot.back().error = "broken/odm/etc/PanelCorvane/panelcorvane: no such file";
+  for (size_t i = 8; i < lot.size(); ++i) EXPECT_EQ(lot[i].verdict(), rows[i - 8].verdict) << lot[i].name;
 
-  const pctool::LotSummary s = pctool::summariseLot(lot, 2.0);
-  EXPECT_EQ(s.panels, 12u);
-  EXPECT_EQ(s.passed, 9u);
-  EXPECT_EQ(s.unreadable, 1u);
-  EXPECT_DOUBLE_EQ(s.yield, 0.75);
-  size_t counted = 0;
-  for (size_t n : s.bins) counted += n;
-  EXPECT_EQ(counted, 20u) << "every mode with tables, once";
-  EXPECT_EQ(s.bins[static_cast<size_t>(2.5 / s.binWidth)], 1u);
-  ASSERT_EQ(s.outliers.size(), 4u);
-  EXPECT_THAT(s.outliers[0], StartsWith("slow: passes, but p95 dE00 1.90 is far above the lot"));
-  EXPECT_EQ(s.outliers[1], "bad: fails P m, p95 dE00 2.50");
-  EXPECT_EQ(s.outliers[2], "none: P has no tables (no usable optical data)");
-  EXPECT_THAT(s.outliers[3], StartsWith("broken: unreadable"));
-  EXPECT_THAT(pctool::lotSummaryText(s), HasSubstr("yield: 9 of 12 panels pass every mode (75.0 %)"));
+  const pctool::LotSummary s = pctool::summariseLot(lot, 2);
+  EXPECT_EQ(std::vector<size_t>(s.counts, s.counts + 4), (std::vector<size_t>{9, 1, 1, 2}));
+  EXPECT_DOUBLE_EQ(s.yield, 9.0 / 13);
+  EXPECT_EQ(s.binFail[10] + s.binFail[8], 2u) << "2.5 and 2.002 fail, in bins of 0.25 whatever the limit";
+  EXPECT_EQ(s.binPass[7], 1u) << "1.9 passes";
+  ASSERT_EQ(s.outliers.size(), 2u);
+  EXPECT_THAT(s.outliers[0].text, StartsWith("slow: passes, but P m1 p95 dE00 1.90 is far above the lot (fence 0."));
+  EXPECT_EQ(s.outliers[1].text, "bad: fails P m0, p95 dE00 2.50 > 2 and 1 more mode");
+  EXPECT_THAT(pctool::lotCsvText(lot, s), HasSubstr("\nbad,fail,P,1,m1,,,,generated,,0.000,2.002,0.000,fail,\n"))
+      << "fails by 0.002: printed to the decimal that decides";
+
+  const pctool::LotPagePlan page = pctool::planLotPage(lot, s);
+  ASSERT_EQ(page.marks.size(), 11u) << "every panel judged, at its own measurement";
+  EXPECT_EQ(page.marks[10].verdict, LotVerdict::OffOwnData);
+  EXPECT_EQ(page.notDrawn, 2u);
+  EXPECT_EQ(page.beyond[0], 1u);
+  EXPECT_EQ(page.key.size(), 6u) << "pass, fail, off own data, golden, tolerance, not drawn";
+  ASSERT_EQ(page.listed.size(), 5u);
+  EXPECT_THAT(page.listed[0], StartsWith("none: cannot be judged: P no tables"));
+  EXPECT_EQ(page.listed[4], "fallback: not on its own optical data: P: crc");
+  // As many as the page holds, then how many more.
+  for (int i = 0; i < 40; ++i) add("f" + std::to_string(i), {2.1}, "");
+  const pctool::LotPagePlan full = pctool::planLotPage(lot, pctool::summariseLot(lot, 2));
+  EXPECT_EQ(full.listed.size() + 1, pctool::kLotListRows);
+  EXPECT_EQ(full.notListed, 44u - full.listed.size());
 }
-
-using pctool::LotFault;
 
 TEST(ProductionLot, PlanHasAboutTwoPercentFaultsAndAtLeastOneOfEachFromTenPanels) {
   const std::pair<unsigned, int> cases[] = {{9, 0}, {10, 3}, {12, 3}, {200, 4}, {1000, 20}};  // panels, faulty

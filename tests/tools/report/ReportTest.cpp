@@ -5,10 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <sstream>
+#include <tuple>
 
+#include "backend/PanelCorvaneBE.h"
 #include "cache/Lut3DCacheManager.h"
 #include "tests/support/TestSupport.h"
 #include "tests/tools/WorkbenchFixtures.h"
+#include "tools/lib/common/PrintfString.h"
 #include "tools/lib/device/DeviceFolder.h"
 #include "tools/lib/device/SyntheticDevice.h"
 #include "tools/lib/report/ReportPlan.h"
@@ -17,6 +21,7 @@ using postblend::lut3d_info;
 
 namespace {
 
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 TEST(ReportPlan, BrightnessFollowsThePluginsInterpolation) {
@@ -59,41 +64,71 @@ class ReportPages : public ::testing::Test {
   pctest::TempRoot root;
 };
 
-TEST_F(ReportPages, WithoutACacheThePageSaysSoAndDrawsNoEmptyPlot) {
+// Without a cache the page shows the tables the plugin would make, and names what each is made of.
+TEST_F(ReportPages, WithoutACacheThePageShowsTheTablesThePluginWouldMake) {
   const auto reports = collect();
   ASSERT_EQ(reports.size(), 2u);
   EXPECT_EQ(reports[1].panelName, "PanelCorvane_secondary (panel 1)");
-  EXPECT_EQ(reports[0].sourceText,
-            "optical data: unknown (no table cache); shown: the local data, which the plugin tries first");
+  EXPECT_EQ(reports[0].sourceText, "optical data: local (identity matched, every local file read)");
   ASSERT_EQ(reports[0].odfs.size(), 4u);  // every measurement set, not only _1_max
   EXPECT_EQ(reports[0].odfs[3].path, "/mnt/vendor/persist/display/Loading_ON_2_100nit.odf");
   EXPECT_EQ(reports[0].targets.size(), 8u);
   EXPECT_EQ(pctool::reportFileName(reports[0]), "report-PanelCorvane_primary.png");
 
   const pctool::ReportPlan plan = pctool::planReport(reports[0]);
-  EXPECT_FALSE(plan.brightnessDrawn);
-  EXPECT_EQ(plan.brightnessNote, "no table pairs: the brightness interpolation needs the panel's table cache");
-  EXPECT_TRUE(plan.swatches.empty());
-  EXPECT_TRUE(plan.greyDe.empty());
+  EXPECT_EQ(plan.dataLine, "tables: generated in memory as the plugin would (/data/vendor/display/cofc.fw not found), 8 "
+                           "tables;   targets: /odm/etc/PanelCorvane/PanelCorvane_primary_*.txt (8 files)");
+  EXPECT_THAT(plan.setsLine, HasSubstr("Loading_ON_*.odf (4 files);   _1_ feeds Nature and Cinema, _2_ feeds Vivid and"));
+  ASSERT_EQ(plan.swatches.size(), 8u);
+  EXPECT_EQ(plan.swatches[0].table + ": " + plan.swatches[0].made, "0 Vivid 100-nit: Vivid_100nits.txt, 2_100nit");
+  EXPECT_TRUE(plan.brightnessDrawn);
   ASSERT_EQ(plan.gammaMeasured.size(), 4u);
   EXPECT_EQ(plan.gammaMeasured[0].points.size(), 7u);  // the exponent at each measured level
 
-  // Coinciding targets share their line in turns (same dash, other offsets) and say so.
+  // Targets whose primaries share the diagram's pixels share their line in turns; "same as"
+  // only when their whites do in the zoom too (Cinema's white is 0.0013 from Vivid's).
   std::vector<std::string> labels;
   for (const auto& t : plan.gamut) labels.push_back(t.label);
-  EXPECT_EQ(labels, (std::vector<std::string>{"target Vivid", "target Nature", "target Cinema (same as Vivid)",
-                                               "target LsRGB (same as Nature)", "panel 1_max", "panel 2_max",
-                                               "panel 1_100nit", "panel 2_100nit"}));
-  EXPECT_FALSE(plan.gamut[0].style.dash.empty());
-  EXPECT_EQ(plan.gamut[0].style.dash, plan.gamut[2].style.dash);
-  EXPECT_NE(plan.gamut[0].style.dashOffset, plan.gamut[2].style.dashOffset);
+  EXPECT_EQ(labels, (std::vector<std::string>{"target Vivid", "target Nature", "target Cinema",
+                                               "target LsRGB (primaries as Nature)", "panel 1_max: Nature and Cinema",
+                                               "panel 2_max: Vivid and LsRGB", "panel 1_100nit: Nature and Cinema",
+                                               "panel 2_100nit: Vivid and LsRGB (primaries as 2_max)"}));
+  EXPECT_FALSE(plan.gamut[1].style.dash.empty());
+  EXPECT_EQ(plan.gamut[1].style.dash, plan.gamut[3].style.dash);
+  EXPECT_NE(plan.gamut[1].style.dashOffset, plan.gamut[3].style.dashOffset);
   std::set<std::vector<double>> setDashes;
   for (size_t i = 4; i < 8; ++i) setDashes.insert(plan.gamut[i].style.dash);
   EXPECT_EQ(setDashes.size(), 4u);  // one dash pattern per measurement set
 }
 
+// "Same as" says that a reader cannot tell two targets apart on the page, nothing else.
+TEST_F(ReportPages, SameAsOnlyWhereThePlotCannotTellTargetsApart) {
+  const std::string dirOf = "/odm/etc/PanelCorvane/PanelCorvane_primary_";
+  std::vector<double> vivid;
+  std::istringstream in(root.read(dirOf + "Vivid.txt"));
+  for (double v; in >> v;) vivid.push_back(v);
+  const std::tuple<int, double, const char*, const char*> rows[] = {
+      {0, 0, "target Cinema (same as Vivid)", "target Cinema gamma 2.200 (same as Vivid)"},  // a copy
+      {7, 0.0011, "target Cinema (primaries as Vivid)", "target Cinema gamma 2.200 (same as Vivid)"},  // white y
+      {0, 0.003, "target Cinema", "target Cinema gamma 2.200 (same as Vivid)"},  // red x: apart on the diagram
+      {8, 0.00007, "target Cinema (same as Vivid)", "target Cinema gamma 2.199"},  // one line, not the same gamma
+  };
+  for (const auto& [index, delta, gamut, gamma] : rows) {
+    std::vector<double> v = vivid;
+    v[static_cast<size_t>(index)] += delta;
+    std::string text;
+    for (double x : v) text += pctool::printfString("%.6f\n", x);
+    root.write(dirOf + "Cinema.txt", text);
+    const pctool::ReportPlan plan = pctool::planReport(collect()[0]);
+    EXPECT_EQ(plan.gamut[2].label, gamut) << index << " " << delta;
+    EXPECT_EQ(plan.gammaTargets[2].label, gamma) << index << " " << delta;
+    EXPECT_EQ(plan.gammaTargets[2].style.dash, plan.gammaTargets[0].style.dash) << "one line, in turns";
+  }
+}
+
 TEST_F(ReportPages, TablesAreJudgedAgainstTheirTargetOnTheDataTheyCameFrom) {
   writeCache(1);
+  root.write(postblend::identityStampPath(0), "another panel");  // the plugin takes a golden cache
   pctool::TableJob job;
   job.displayName = "PanelCorvane_primary";
   job.identity = pctool::TableJob::Identity::NotMatched;

@@ -1,7 +1,9 @@
 #include "tools/lib/common/PrintfString.h"
 
 #include <cstdarg>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace pctool {
 
@@ -19,6 +21,30 @@ std::string printfString(const char* format, ...) {
   va_end(args);
   out.resize(static_cast<size_t>(n));
   return out;
+}
+
+namespace {
+
+// The first figure of `v` from `least` decimals on that `good` accepts; 17 significant
+// digits, which read back exactly, when none does.
+template <typename Good>
+std::string firstFigure(double v, int least, Good good) {
+  if (!std::isfinite(v)) return printfString("%g", v);
+  for (int d = least < 0 ? 0 : least; d <= 17; ++d) {
+    const std::string s = printfString("%.*f", d, v);
+    if (good(std::strtod(s.c_str(), nullptr))) return s;
+  }
+  return printfString("%.17g", v);
+}
+
+}  // namespace
+
+std::string exactFigure(double v, int least) {
+  return firstFigure(v, least, [v](double read) { return read == v; });
+}
+
+std::string decidingFigure(double v, double limit, int least) {
+  return firstFigure(v, least, [&](double read) { return (read <= limit) == (v <= limit); });
 }
 
 }  // namespace pctool

@@ -9,8 +9,8 @@
 #include "frontend/TablePlan.h"
 #include "tools/lib/calibration/Plausibility.h"
 #include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/PanelTables.h"
 #include "tools/lib/device/PropertyFile.h"
-#include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 
@@ -23,8 +23,10 @@ void addTargets(const std::string& dir, const std::string& name, PanelReport& re
   std::string why;
   for (int file = 0; file < fe::kTargetFiles; ++file) {
     const std::string path = fe::targetPath(name, file);
-    if (!fs::exists(dir + path)) continue;
+    std::error_code ec;
+    if (!fs::exists(dir + path, ec)) continue;
     ReportTarget t;
+    t.path = path;
     t.mode = fe::kModeNames[file % fe::kModes];
     t.nits100 = file >= fe::kModes;
     if (!readTargetFile(dir + path, t.target, t.count, why)) {
@@ -42,22 +44,18 @@ int targetIndex(const PanelReport& rep, const std::string& mode, bool nits100) {
   return -1;
 }
 
-// The four measurement sets the tables came from, or - without a cache - the ones the plugin
-// would try first.
+// The four measurement sets the tables came from, or - when the plugin would make none - the
+// golden ones.
 void addOpticalData(const std::string& dir, const DataSource& source, uint32_t panel, const std::string& name,
                     PanelReport& rep) {
   std::vector<std::string> paths = source.odfPaths;
-  if (paths.empty()) {
-    const bool local = fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Local, panel, name, 0));
-    for (int s = 0; s < fe::kOdfSets; ++s)
-      paths.push_back(fe::opticalDataPath(local ? fe::OdfOrigin::Local : fe::OdfOrigin::Golden, panel, name, s));
-    rep.sourceText += local ? "; shown: the local data, which the plugin tries first"
-                            : "; shown: the golden data (no local data)";
-  }
+  if (paths.empty())
+    for (int s = 0; s < fe::kOdfSets; ++s) paths.push_back(fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, s));
   std::string why;
   for (int s = 0; s < fe::kOdfSets; ++s) {
     ReportOdf o;
     o.set = fe::kOdfSetNames[s];
+    o.setIndex = s;
     o.path = paths[static_cast<size_t>(s)];
     OdfCheck check;
     if (!readOdfFile(dir + o.path, o.odf, check, why)) {
@@ -70,27 +68,24 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
   }
 }
 
-void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelReport& rep) {
-  const std::string cache = postblend::Lut3DCacheManager::cachePath(panel == 0 ? 0 : 1);
-  if (!fs::exists(dir + cache)) {
-    rep.notes.push_back(cache + " not found: no tables (run the plugin once to fill the cache)");
+// The tables the plugin runs with: its cache when it would take it, else made in memory as it
+// would make them (PanelTables.h).
+void addTables(const DisplayTables& dt, PanelReport& rep) {
+  const std::string cache = postblend::Lut3DCacheManager::cachePath(dt.panel == 0 ? 0 : 1);
+  if (dt.tables.empty()) {
+    rep.tablesText = "tables: none (" + dt.note + ")";
     return;
   }
-  std::vector<LoadedTable> tables;
-  std::string why;
-  if (!loadTables(dir + cache, tables, why)) {
-    rep.notes.push_back(cache + ": " + why);
-    return;
-  }
-  rep.tablesText = "tables: " + cache + ", " + std::to_string(tables.size()) + " tables";
-  for (uint32_t k = 0; k < tables.size(); ++k) {
-    ReportTable t{cacheTableName(k), tables[k].lut};
-    if (k < fe::kMaxTables) {
-      const fe::TableInputs in = fe::tableInputs(static_cast<int>(k), use100nits);
-      for (size_t o = 0; o < rep.odfs.size(); ++o)
-        if (rep.odfs[o].set == fe::kOdfSetNames[in.odf]) t.odf = static_cast<int>(o);
-      t.target = targetIndex(rep, fe::kModeNames[in.target % fe::kModes], in.target >= fe::kModes);
-    }
+  rep.tablesText = dt.fromCache ? "tables: from the cache " + cache
+                                : "tables: generated in memory as the plugin would (" +
+                                      (dt.note.empty() ? cache + " not found" : dt.note) + ")";
+  rep.tablesText += ", " + std::to_string(dt.tables.size()) + " tables";
+  for (uint32_t k = 0; k < dt.tables.size(); ++k) {
+    ReportTable t{cacheTableName(k), std::make_shared<postblend::lut3d_info>(dt.tables[k])};
+    const fe::TableInputs in = dt.inputs(static_cast<int>(k));
+    for (size_t o = 0; o < rep.odfs.size(); ++o)
+      if (rep.odfs[o].setIndex == in.odf) t.odf = static_cast<int>(o);
+    t.target = targetIndex(rep, fe::kModeNames[in.target % fe::kModes], in.target >= fe::kModes);
     rep.tables.push_back(t);
   }
 }
@@ -110,21 +105,23 @@ bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out,
     error = std::string(postblend::Prop::kPath) + ": " + error;
     return false;
   }
-  const bool use100nits = prop.switches().use100nits;
   for (const auto& [name, panel] : prop.displayNames()) {
-    if (!fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0))) continue;
+    std::error_code ec;
+    if (!fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0), ec)) continue;
     PanelReport rep;
     rep.displayName = name;
     rep.panelName = name + " (panel " + std::to_string(panel) + ")";
-    uint32_t trailer = 0;
-    std::string why;
-    const bool haveCache = readCacheSource(dir, panel, trailer, why);
-    const DataSource source = describeDataSource(haveCache ? static_cast<int>(trailer) : -1,
-                                                 jobs ? lastJobOf(*jobs, name) : nullptr, panel, name);
-    rep.sourceText = "optical data: " + source.statement();
+    DisplayTables dt;
+    loadDisplayTables(dir, prop.switches(), name, panel, dt);
+    // The plugin's log says why only of the tables it made and cached itself.
+    DataSource source =
+        describeDataSource(dt.source, jobs && dt.fromCache ? lastJobOf(*jobs, name) : nullptr, panel, name);
+    if (dt.source >= 0 && (!dt.fromCache || jobs == nullptr || lastJobOf(*jobs, name) == nullptr))
+      source.why = dt.sourceWhy();
+    rep.sourceText = "optical data: " + (dt.source < 0 ? "none the plugin can use" : source.statement());
     addTargets(dir, name, rep);
     addOpticalData(dir, source, panel, name, rep);
-    addTables(dir, panel, use100nits, rep);
+    addTables(dt, rep);
     out.push_back(std::move(rep));
   }
   if (out.empty()) {

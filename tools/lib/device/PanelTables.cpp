@@ -132,9 +132,33 @@ void readJudge(const std::string& dir, DisplayTables& out) {
   }
 }
 
+// The first local set the plugin would refuse, named with the reader's reason.
+std::string firstLocalFault(const std::string& dir, const DisplayTables& t) {
+  for (int k = 0; k < fe::kOdfSets; ++k) {
+    const std::string path = fe::opticalDataPath(fe::OdfOrigin::Local, t.panel, t.displayName, k);
+    OpticalDataFile odf{};
+    if (readOdfRecord(dir + path, odf)) continue;
+    OdfCheck check;
+    std::string why = "unreadable";
+    readOdfFile(dir + path, odf, check, why);
+    return path + ": " + why;
+  }
+  return "";
+}
+
 void addNote(DisplayTables& out, const std::string& note) { out.note += (out.note.empty() ? "" : "; ") + note; }
 
 }  // namespace
+
+std::string DisplayTables::sourceWhy() const {
+  switch (source) {
+    case 0: return "identity matched, every local file read";
+    case 1: return std::string("identity not matched: ") + postblend::identityStampPath(panel) +
+                   " does not match the panel's serial number";
+    case 2: return "identity matched, local data unusable: " + (localFault.empty() ? "as the cache says" : localFault);
+    default: return note.empty() ? "no tables" : note;
+  }
+}
 
 bool identityMatches(const std::string& dir, uint32_t panel) {
   char sn[kIdBuf + 1] = {};
@@ -166,6 +190,7 @@ void loadDisplayTables(const std::string& dir, const PanelSwitches& sw, const st
     return;
   }
   out.matched = identityMatches(dir, panel);
+  if (out.matched) out.localFault = firstLocalFault(dir, out);
   bool read[fe::kTargetFiles] = {};
   readTargets(dir, name, sw, out.targets, read);
   if (acceptCache(dir, sw, out.matched, out)) {

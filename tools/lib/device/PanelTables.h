@@ -23,6 +23,9 @@ struct DisplayTables {
   int source = -1;       // the cache trailer's word: 0 local, 1 golden, 2 golden although matched
   bool fromCache = false;
   std::string note;  // why the cache was not taken, or why there are no tables
+  // With the identity matched: the first local file the plugin cannot use, and why ("" when
+  // all four read).
+  std::string localFault;
   OpticalDataFile odf[postblend::fe::kOdfSets] = {};  // the data the tables came from
   // The panel as it is, to judge the tables by: its own measurements of each set when the
   // identity matches and the file passes its CRC, else the golden data (a panel that does not
@@ -34,6 +37,10 @@ struct DisplayTables {
   // What table k was made from (odf set, target file).
   postblend::fe::TableInputs inputs(int k) const { return postblend::fe::tableInputs(k, use100nits); }
   bool use100nits = false;
+
+  // Why the tables are made from the data they are made from: the identity check and the first
+  // local file that failed.
+  std::string sourceWhy() const;
 };
 
 // The tables of display `name` (panel index `panel`) of the tree under `dir`.

@@ -21,6 +21,30 @@ void drawText(cairo_t* cr, double x, double y, const std::string& s, double size
   cairo_show_text(cr, s.c_str());
 }
 
+std::string fitText(cairo_t* cr, std::string s, double size, double width) {
+  cairo_select_font_face(cr, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+  cairo_set_font_size(cr, size);
+  cairo_text_extents_t ext;
+  cairo_text_extents(cr, s.c_str(), &ext);
+  if (ext.x_advance <= width) return s;
+  while (!s.empty()) {
+    s.pop_back();
+    cairo_text_extents(cr, (s + "...").c_str(), &ext);
+    if (ext.x_advance <= width) break;
+  }
+  return s + "...";
+}
+
+void drawCross(cairo_t* cr, double x, double y, double r, double width) {
+  cairo_set_dash(cr, nullptr, 0, 0);
+  cairo_set_line_width(cr, width);
+  cairo_move_to(cr, x - r, y - r);
+  cairo_line_to(cr, x + r, y + r);
+  cairo_move_to(cr, x - r, y + r);
+  cairo_line_to(cr, x + r, y - r);
+  cairo_stroke(cr);
+}
+
 void setColour(cairo_t* cr, const Colour& c, double alpha) { cairo_set_source_rgba(cr, c.r, c.g, c.b, alpha); }
 
 void drawAxes(cairo_t* cr, const Frame& f, double xStep, double yStep, const char* xTickFmt, const char* yTickFmt,

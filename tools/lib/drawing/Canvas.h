@@ -28,6 +28,10 @@ enum class Align { Left, Centre, Right };
 
 void drawText(cairo_t* cr, double x, double y, const std::string& s, double size, Align align = Align::Left,
               bool bold = false);
+// `s` cut to `width` pixels at `size`, with an ellipsis when cut.
+std::string fitText(cairo_t* cr, std::string s, double size, double width);
+// An x of half-size `r` at (x, y), solid, in the current colour.
+void drawCross(cairo_t* cr, double x, double y, double r, double width);
 void setColour(cairo_t* cr, const Colour& c, double alpha = 1.0);
 // Background, grid, ticks with labels formatted by `tickFmt` (printf of one double), axis
 // names and a title above the frame.

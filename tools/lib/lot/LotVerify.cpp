@@ -6,7 +6,9 @@
 
 #include "config/Prop.h"
 #include "frontend/Lut3dGeneration.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/common/ParallelFor.h"
+#include "tools/lib/common/PrintfString.h"
 #include "tools/lib/device/DataSource.h"
 #include "tools/lib/device/DeviceFolder.h"
 #include "tools/lib/device/PanelTables.h"
@@ -48,6 +50,32 @@ void errorStats(const Prediction& p, LotMode& m) {
   m.max = de.back();
 }
 
+void xyOf(const OpticalDataFile& odf, double (&xy)[4][2], bool& ok) {
+  const fe::Chromaticities c = fe::panelChromaticities(odf);
+  for (int p = 0; p < 4; ++p)
+    for (int k = 0; k < 2; ++k) xy[p][k] = c.xy[p][k];
+  ok = std::isfinite(xy[3][0]) && std::isfinite(xy[3][1]);
+}
+
+// What the page draws of a display: its own and the golden measurement of the plotted set, and
+// the standard targets that were read.
+void plotData(const std::string& tree, const DisplayTables& t, LotDisplay& d) {
+  if (t.judgeLocal[fe::kOdf1max]) xyOf(t.judge[fe::kOdf1max], d.own, d.hasOwn);
+  OpticalDataFile golden{};
+  OdfCheck check;
+  std::string why;
+  if (readOdfFile(tree + fe::opticalDataPath(fe::OdfOrigin::Golden, t.panel, t.displayName, fe::kOdf1max), golden,
+                  check, why))
+    xyOf(golden, d.golden, d.hasGolden);
+  for (int k = 0; k < fe::kModes; ++k) {
+    const float* v = t.targets[k].values;
+    if (v[6] <= 0 || v[7] <= 0) continue;  // not read
+    LotTarget target{fe::kModeNames[k], fileName(fe::targetPath(t.displayName, k)), {}};
+    for (int i = 0; i < 8; ++i) target.xy[i / 2][i % 2] = v[i];
+    d.targets.push_back(target);
+  }
+}
+
 void verifyDisplay(const std::string& tree, const postblend::PanelSwitches& sw, const std::string& name, uint32_t panel,
                    double maxDe, LotPanelResult& r) {
   DisplayTables t;
@@ -55,28 +83,32 @@ void verifyDisplay(const std::string& tree, const postblend::PanelSwitches& sw, 
   LotDisplay d;
   d.name = name;
   d.source = t.source < 0 ? "none" : describeDataSource(t.source, nullptr, panel, name).word();
+  if (t.source > 0) d.offReason = "tables from golden data: " + t.sourceWhy();
   d.fromCache = t.fromCache;
   d.note = t.note;
-  if (t.source >= 0) {
-    const fe::Chromaticities c = fe::panelChromaticities(t.odf[fe::kOdf1max]);
-    for (int p = 0; p < 4; ++p)
-      for (int k = 0; k < 2; ++k) d.primaries[p][k] = c.xy[p][k];
-    d.hasPrimaries = std::isfinite(d.primaries[3][0]) && std::isfinite(d.primaries[3][1]);
+  plotData(tree, t, d);
+  if (t.tables.empty()) {
+    LotMode none;
+    none.display = name;
+    none.mode = "no tables";
+    none.note = t.note;
+    r.modes.push_back(none);
   }
-  if (t.tables.empty()) r.modes.push_back({name, -1, "no tables", "", 0, 0, 0, false, t.note});
   for (size_t k = 0; k < t.tables.size(); ++k) {
     LotMode m;
     m.display = name;
     m.table = static_cast<int>(k);
     m.mode = cacheTableName(static_cast<uint32_t>(k)).substr(2);
     const fe::TableInputs in = t.inputs(static_cast<int>(k));
+    m.target = fileName(fe::targetPath(name, in.target));
+    m.dataSet = fe::kOdfSetNames[in.odf];
     m.judgedBy = t.judgeLocal[in.odf] ? "local" : "golden";
     Prediction p;
-    std::string why;
-    if (!predict(t.tables[k], t.judge[in.odf], t.targets[in.target], p, why)) {
-      m.note = why;
+    if (!predict(t.tables[k], t.judge[in.odf], t.targets[in.target], p, m.note)) {
+      m.note = "no prediction: " + m.note;
     } else {
       errorStats(p, m);
+      m.figures = true;
       m.pass = m.p95 <= maxDe;
     }
     r.modes.push_back(m);
@@ -84,13 +116,59 @@ void verifyDisplay(const std::string& tree, const postblend::PanelSwitches& sw, 
   r.displays.push_back(d);
 }
 
+const LotMode* worstFailing(const LotPanelResult& r) {
+  const LotMode* bad = nullptr;
+  for (const auto& m : r.modes)
+    if (m.figures && !m.pass && (bad == nullptr || m.p95 > bad->p95)) bad = &m;
+  return bad;
+}
+
 }  // namespace
 
-bool LotPanelResult::pass() const {
-  if (!error.empty() || modes.empty()) return false;
+const char* verdictWord(LotVerdict v) {
+  switch (v) {
+    case LotVerdict::Pass: return "pass";
+    case LotVerdict::Fail: return "fail";
+    case LotVerdict::OffOwnData: return "off-own-data";
+    case LotVerdict::Unjudged: break;
+  }
+  return "unjudged";
+}
+
+LotVerdict LotPanelResult::verdict() const {
+  if (!error.empty() || modes.empty()) return LotVerdict::Unjudged;
   for (const auto& m : modes)
-    if (!m.pass) return false;
-  return true;
+    if (!m.figures) return LotVerdict::Unjudged;
+  for (const auto& d : displays)
+    if (!d.offReason.empty()) return LotVerdict::OffOwnData;
+  return worstFailing(*this) ? LotVerdict::Fail : LotVerdict::Pass;
+}
+
+std::string LotPanelResult::reason() const {
+  std::string why;
+  const auto add = [&why](const std::string& s) { why += (why.empty() ? "" : "; ") + s; };
+  switch (verdict()) {
+    case LotVerdict::Pass: break;
+    case LotVerdict::Unjudged:
+      if (!error.empty()) return error;
+      if (modes.empty()) return "no display";
+      for (const auto& m : modes)
+        if (!m.figures) add(m.display + " " + m.mode + (m.note.empty() ? "" : ": " + m.note));
+      break;
+    case LotVerdict::OffOwnData:
+      for (const auto& d : displays)
+        if (!d.offReason.empty()) add(d.name + ": " + d.offReason);
+      break;
+    case LotVerdict::Fail: {
+      const LotMode* bad = worstFailing(*this);
+      size_t more = 0;
+      for (const auto& m : modes) more += m.figures && !m.pass && &m != bad ? 1 : 0;
+      why = "fails " + bad->display + " " + bad->mode + ", p95 dE00 " + decidingFigure(bad->p95, maxDe) + " > " +
+            exactFigure(maxDe);
+      if (more) why += " and " + std::to_string(more) + " more mode" + (more > 1 ? "s" : "");
+    }
+  }
+  return why;
 }
 
 double LotPanelResult::worst() const {
@@ -111,10 +189,21 @@ bool findLotTrees(const std::vector<std::string>& dirs, std::vector<std::string>
       trees.push_back(dir);
       continue;
     }
+    // Every folder of the lot is a panel: one that cannot be read is named, not skipped.
     std::vector<std::string> found;
-    for (const auto& e : fs::directory_iterator(dir, ec))
-      if (e.is_directory(ec) && isTree(e.path())) found.push_back(e.path().string());
-    if (found.empty()) {
+    bool anyTree = false;
+    fs::directory_iterator it(dir, ec), end;
+    for (; !ec && it != end; it.increment(ec)) {
+      const std::string name = it->path().filename().string();
+      if (name.empty() || name[0] == '.' || !it->is_directory(ec)) continue;
+      found.push_back(it->path().string());
+      anyTree = anyTree || isTree(it->path());
+    }
+    if (ec) {
+      error = dir + ": cannot list the folder: " + ec.message();
+      return false;
+    }
+    if (!anyTree) {
       error = dir + ": no device tree in it (no odm/etc/PanelCorvane/panelcorvane in the folder or a sub-folder)";
       return false;
     }
@@ -128,8 +217,13 @@ LotPanelResult verifyPanel(const std::string& tree, double maxDe) {
   LotPanelResult r;
   r.path = tree;
   r.name = folderName(tree);
+  r.maxDe = maxDe;
   PropertyFile prop;
   std::string why;
+  if (!isTree(tree)) {
+    r.error = tree + kPropertyFile + ": missing: not a device tree";
+    return r;
+  }
   if (!prop.load(tree + kPropertyFile, why)) {
     r.error = tree + kPropertyFile + ": " + why;
     return r;
@@ -155,52 +249,54 @@ std::vector<LotPanelResult> verifyLot(const std::vector<std::string>& trees, dou
   return results;
 }
 
-LotSummary summariseLot(const std::vector<LotPanelResult>& results, double maxDe) {
+LotSummary summariseLot(const std::vector<LotPanelResult>& results, double maxDe, double xyTolerance) {
   LotSummary s;
   s.maxDe = maxDe;
+  s.xyTolerance = xyTolerance;
   s.panels = results.size();
-  // Bins of a sixth of the limit up to twice the limit, then one open bin.
-  s.binWidth = maxDe / 6;
-  s.bins.assign(13, 0);
   std::vector<double> worst;
   for (const auto& r : results) {
-    s.passed += r.pass() ? 1 : 0;
-    s.unreadable += r.error.empty() ? 0 : 1;
-    for (const auto& m : r.modes)
-      if (m.table >= 0) ++s.bins[std::min<size_t>(12, static_cast<size_t>(m.p95 / s.binWidth))];
-    if (r.error.empty()) worst.push_back(r.worst());
+    const LotVerdict v = r.verdict();
+    ++s.counts[static_cast<int>(v)];
     for (const auto& d : r.displays) {
       ++s.sources[d.source];
-      if (d.source != "local") s.offOwnData.push_back(r.name + " " + d.name + ": " + d.source);
+      if (d.source != "none") ++(d.fromCache ? s.fromCache : s.generated);
+    }
+    // The distribution and the fence are of panels judged on their own data only.
+    if (v != LotVerdict::Pass && v != LotVerdict::Fail) continue;
+    worst.push_back(r.worst());
+    for (const auto& m : r.modes) {
+      const size_t bin = std::min(LotSummary::kBins - 1, static_cast<size_t>(m.p95 / LotSummary::kBinWidth));
+      ++(m.pass ? s.binPass : s.binFail)[bin];
     }
   }
-  s.yield = s.panels ? static_cast<double>(s.passed) / s.panels : 0;
-  // Far out (Tukey): beyond the third quartile by three interquartile ranges.
+  s.yield = s.panels ? static_cast<double>(s.passed()) / s.panels : 0;
+  // Far out (Tukey): beyond the third quartile by three interquartile ranges, to 0.01.
   double fence = INFINITY;
   if (worst.size() >= 4) {
     std::sort(worst.begin(), worst.end());
     const double q1 = worst[worst.size() / 4], q3 = worst[worst.size() * 3 / 4];
-    fence = q3 + 3 * (q3 - q1);
+    fence = std::round((q3 + 3 * (q3 - q1)) * 100) / 100;
   }
-  char buf[160];
   for (const auto& r : results) {
-    if (!r.error.empty()) {
-      s.outliers.push_back(r.name + ": unreadable: " + r.error);
+    const LotVerdict v = r.verdict();
+    LotOutlier o;
+    o.panel = r.name;
+    o.verdict = v;
+    if (v == LotVerdict::Fail) {
+      const LotMode* bad = worstFailing(r);
+      o.display = bad->display, o.mode = bad->mode, o.p95 = bad->p95;
+      o.text = r.name + ": " + r.reason();
+    } else if (v == LotVerdict::Pass && r.worst() > fence) {
+      o.p95 = r.worst(), o.fence = fence;
+      for (const auto& m : r.modes)
+        if (m.p95 == o.p95) o.display = m.display, o.mode = m.mode;
+      o.text = r.name + ": passes, but " + o.display + " " + o.mode + " p95 dE00 " + decidingFigure(o.p95, fence) +
+               " is far above the lot (fence " + exactFigure(fence, 2) + ")";
+    } else {
       continue;
     }
-    const LotMode* bad = nullptr;
-    for (const auto& m : r.modes)
-      if (!m.pass && (bad == nullptr || m.p95 > bad->p95)) bad = &m;
-    if (bad != nullptr && bad->table < 0) {
-      snprintf(buf, sizeof buf, ": %s has no tables", bad->display.c_str());
-      s.outliers.push_back(r.name + buf + (bad->note.empty() ? "" : " (" + bad->note + ")"));
-    } else if (bad != nullptr) {
-      snprintf(buf, sizeof buf, ": fails %s %s, p95 dE00 %.2f", bad->display.c_str(), bad->mode.c_str(), bad->p95);
-      s.outliers.push_back(r.name + buf);
-    } else if (r.worst() > fence) {
-      snprintf(buf, sizeof buf, ": passes, but p95 dE00 %.2f is far above the lot (fence %.2f)", r.worst(), fence);
-      s.outliers.push_back(r.name + buf);
-    }
+    s.outliers.push_back(o);
   }
   return s;
 }

@@ -15,11 +15,13 @@ struct ReportTarget {
   std::string mode;      // "Vivid"
   bool nits100 = false;  // the mode's 100-nit target
   TargetParm target{};
-  int count = 0;  // numbers in the file: 20 with gamma correction
+  int count = 0;     // numbers in the file: 20 with gamma correction
+  std::string path;  // as shown on the page
 };
 
 struct ReportOdf {
   std::string set;   // "1_max", or the file name when given alone
+  int setIndex = -1;  // the plugin's set (frontend/TablePlan.h); -1 for a file given alone
   std::string path;  // as shown on the page
   OpticalDataFile odf{};
 };
@@ -35,7 +37,7 @@ struct PanelReport {
   std::string displayName;  // also names the page's file
   std::string panelName;    // "PanelCorvane_primary (panel 0)"
   std::string sourceText;   // "optical data: golden (identity not matched: ...)"
-  std::string tablesText;   // "tables: /data/vendor/display/cofc.fw, 8 tables"
+  std::string tablesText;   // "tables: from the cache /data/vendor/display/cofc.fw, 8 tables"
   std::vector<ReportOdf> odfs;
   std::vector<ReportTarget> targets;
   // In cache order: table 2k is the 100-nit table of pair k, 2k + 1 its full-brightness one.

@@ -41,9 +41,10 @@ namespace {
 void drawHeader(cairo_t* cr, const ReportPlan& plan) {
   cairo_set_source_rgb(cr, 0.05, 0.05, 0.05);
   drawText(cr, 40, 44, plan.title, 26, Align::Left, true);
-  drawText(cr, 40, 72, plan.sourceLine, 16);
+  drawText(cr, 40, 70, plan.sourceLine, 16);
   cairo_set_source_rgb(cr, 0.25, 0.25, 0.25);
-  drawText(cr, 40, 96, plan.dataLine, 14);
+  drawText(cr, 40, 92, plan.dataLine, 14);
+  drawText(cr, 40, 112, plan.setsLine, 14);
 }
 
 void drawNotes(cairo_t* cr, const ReportPlan& plan) {

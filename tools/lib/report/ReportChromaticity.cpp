@@ -15,16 +15,6 @@ namespace pctool {
 
 namespace {
 
-void cross(cairo_t* cr, double x, double y, double r) {
-  cairo_set_dash(cr, nullptr, 0, 0);
-  cairo_set_line_width(cr, 2.5);
-  cairo_move_to(cr, x - r, y - r);
-  cairo_line_to(cr, x + r, y + r);
-  cairo_move_to(cr, x - r, y + r);
-  cairo_line_to(cr, x + r, y - r);
-  cairo_stroke(cr);
-}
-
 // Hollow marks of the measured whites: circle, square, triangle, diamond by set.
 void whiteMarker(cairo_t* cr, double x, double y, int shape, double r) {
   cairo_set_dash(cr, nullptr, 0, 0);
@@ -76,15 +66,9 @@ void locus(cairo_t* cr, const Frame& f) {
 }
 
 void whitesZoom(cairo_t* cr, const ReportPlan& plan) {
-  double cx = 0, cy = 0, n = 0;
-  for (const auto& t : plan.gamut) cx += t.rgbw[3].x, cy += t.rgbw[3].y, ++n;
-  if (n == 0) return;
-  cx /= n, cy /= n;
-  double span = 0.006;
-  for (const auto& t : plan.gamut)
-    span = std::max(span, std::max(std::fabs(t.rgbw[3].x - cx), std::fabs(t.rgbw[3].y - cy)) * 1.3);
-  span = std::ceil(span / 0.002) * 0.002;
-  const Frame z{830, 150, 400, 400, cx - span, cx + span, cy - span, cy + span};
+  if (plan.gamut.empty()) return;
+  const double cx = plan.whiteZoom[0], cy = plan.whiteZoom[1], span = plan.whiteZoom[2];
+  const Frame z{830, 150, kWhiteZoomPixels, kWhiteZoomPixels, cx - span, cx + span, cy - span, cy + span};
   drawAxes(cr, z, span / 2, span / 2, "%.3f", "%.3f", "x", "y", "White points (zoom)");
   cairo_save(cr);
   cairo_rectangle(cr, z.x, z.y, z.w, z.h);
@@ -104,7 +88,7 @@ void whitesZoom(cairo_t* cr, const ReportPlan& plan) {
     const double x = z.px(t.rgbw[3].x), y = z.py(t.rgbw[3].y);
     setColour(cr, styleColour(t.style));
     if (t.measured) whiteMarker(cr, x, y, set++, 7);
-    else cross(cr, x, y, 7);
+    else drawCross(cr, x, y, 7, 2.5);
   }
   cairo_restore(cr);
 }
@@ -112,7 +96,7 @@ void whitesZoom(cairo_t* cr, const ReportPlan& plan) {
 }  // namespace
 
 void drawChromaticity(cairo_t* cr, const ReportPlan& plan) {
-  const Frame f{110, 150, 620, 700, 0.0, 0.8, 0.0, 0.9};
+  const Frame f{110, 150, 0.8 / kXyPixel, 0.9 / kXyPixel, 0.0, 0.8, 0.0, 0.9};
   drawAxes(cr, f, 0.1, 0.1, "%.1f", "%.1f", "x", "y", "CIE 1931 xy: measured panel and mode targets");
   cairo_save(cr);
   cairo_rectangle(cr, f.x, f.y, f.w, f.h);
@@ -127,7 +111,7 @@ void drawChromaticity(cairo_t* cr, const ReportPlan& plan) {
   for (const auto& t : plan.gamut) {
     setColour(cr, styleColour(t.style));
     if (t.measured) whiteMarker(cr, f.px(t.rgbw[3].x), f.py(t.rgbw[3].y), set++, 4);
-    else cross(cr, f.px(t.rgbw[3].x), f.py(t.rgbw[3].y), 4);
+    else drawCross(cr, f.px(t.rgbw[3].x), f.py(t.rgbw[3].y), 4, 2.5);
   }
   cairo_restore(cr);
   whitesZoom(cr, plan);

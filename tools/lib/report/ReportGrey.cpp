@@ -14,18 +14,9 @@ namespace pctool {
 namespace {
 
 void gammaPlot(cairo_t* cr, const ReportPlan& plan) {
-  double lo = 1e9, hi = -1e9;
-  for (const auto* set : {&plan.gammaMeasured, &plan.gammaTargets})
-    for (const auto& c : *set)
-      for (const auto& p : c.points) lo = std::min(lo, p.second), hi = std::max(hi, p.second);
-  if (lo > hi) lo = 1.8, hi = 2.6;
-  // Implausible data (flagged in the notes) must not stretch the axis into thousands of ticks.
-  lo = std::max(lo, 0.5), hi = std::min(hi, 5.0);
-  if (lo >= hi) lo = 0.5, hi = 5.0;
-  lo = std::floor((lo - 0.04) / 0.05) * 0.05;
-  hi = std::ceil((hi + 0.04) / 0.05) * 0.05;
+  const double lo = plan.gammaAxis[0], hi = plan.gammaAxis[1];
   const double step = hi - lo > 0.8 ? 0.2 : hi - lo > 0.3 ? 0.1 : 0.05;
-  const Frame f{110, 980, 640, 400, 0, 4095, lo, hi};
+  const Frame f{110, 980, 640, kGammaPlotPixels, 0, 4095, lo, hi};
   drawAxes(cr, f, 512, step, "%.0f", "%.2f", "grey level (12-bit code)", "gamma (exponent)",
            "Grey ramp: effective gamma per level, measured sets and targets");
   for (const auto& c : plan.gammaTargets) drawCurve(cr, f, c);

@@ -7,6 +7,7 @@
 #include "cache/DeltaApply.h"
 #include "frontend/TablePlan.h"
 #include "tools/lib/colour/ReferenceColours.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/common/PrintfString.h"
 #include "tools/lib/tables/DeviceGrid.h"
 #include "tools/lib/verify/Prediction.h"
@@ -15,46 +16,9 @@ namespace pctool {
 
 namespace {
 
-// Within this, two targets draw as one line on the page (the xy diagram's pixel is ~0.0013).
-constexpr double kSameChromaticity = 0.003;
-constexpr double kSameExponent = 0.002;
-
 const std::vector<double>& setDash(size_t set) {
   static const std::vector<double> kDash[4] = {{}, {9, 4}, {2, 3}, {10, 3, 2, 3}};
   return kDash[set % 4];
-}
-
-// Members of a group of k coinciding lines: dash j of k, so the colours take turns.
-PlanStyle shared(int colour, size_t j, size_t k) {
-  PlanStyle s;
-  s.colour = colour;
-  if (k > 1) {
-    const double on = 12;
-    s.dash = {on, on * static_cast<double>(k - 1)};
-    s.dashOffset = std::fmod(on * static_cast<double>(k - j), on * static_cast<double>(k));
-  }
-  return s;
-}
-
-bool sameTarget(const TargetParm& a, const TargetParm& b) {
-  for (int i = 0; i < 8; ++i)
-    if (std::fabs(a.values[i] - b.values[i]) > kSameChromaticity) return false;
-  return true;
-}
-
-// Groups of items that coincide, by the first of each group: group[i] = index of its first.
-template <typename Same>
-std::vector<size_t> groups(size_t n, Same same) {
-  std::vector<size_t> first(n);
-  for (size_t i = 0; i < n; ++i) {
-    first[i] = i;
-    for (size_t j = 0; j < i; ++j)
-      if (first[j] == j && same(i, j)) {
-        first[i] = j;
-        break;
-      }
-  }
-  return first;
 }
 
 double srgbEncode(double v) {
@@ -63,52 +27,111 @@ double srgbEncode(double v) {
   return v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1 / 2.4) - 0.055;
 }
 
+// "DIR/PREFIX*SUFFIX (n files)" for paths that share their ends, else the paths.
+std::string foldedPaths(const std::vector<std::string>& paths) {
+  if (paths.size() < 3) {
+    std::string o;
+    for (const auto& p : paths) o += (o.empty() ? "" : ", ") + p;
+    return o;
+  }
+  size_t head = paths[0].size(), tail = paths[0].size();
+  for (const auto& p : paths) {
+    size_t i = 0;
+    while (i < head && i < p.size() && p[i] == paths[0][i]) ++i;
+    head = i;
+    size_t k = 0;
+    while (k < tail && k < p.size() && p[p.size() - 1 - k] == paths[0][paths[0].size() - 1 - k]) ++k;
+    tail = k;
+  }
+  tail = std::min(tail, paths[0].size() - head);
+  return paths[0].substr(0, head) + "*" + paths[0].substr(paths[0].size() - tail) + " (" +
+         std::to_string(paths.size()) + " files)";
+}
+
 std::string targetLabel(const ReportTarget& t) { return t.mode + (t.nits100 ? " 100-nit" : ""); }
 
-void planGamut(const PanelReport& rep, ReportPlan& plan) {
-  std::vector<size_t> standard;
-  for (size_t i = 0; i < rep.targets.size(); ++i)
-    if (!rep.targets[i].nits100) standard.push_back(i);
-  const auto first = groups(standard.size(), [&](size_t a, size_t b) {
-    return sameTarget(rep.targets[standard[a]].target, rep.targets[standard[b]].target);
-  });
-  for (size_t i = 0; i < standard.size(); ++i) {
-    const ReportTarget& t = rep.targets[standard[i]];
-    size_t k = 0, j = 0;
-    for (size_t m = 0; m < standard.size(); ++m) {
-      if (first[m] != first[i]) continue;
-      if (m < i) ++j;
-      ++k;
-    }
-    PlanTriangle tri;
-    tri.label = "target " + t.mode;
-    if (first[i] != i) tri.label += " (same as " + rep.targets[standard[first[i]]].mode + ")";
-    tri.style = shared(modeColourIndex(t.mode), j, k);
-    TargetModel model(t.target);
-    for (int c = 0; c < 4; ++c) tri.rgbw[c] = model.chroma()[c];
-    plan.gamut.push_back(tri);
-  }
-  std::vector<PanelModel> panels;
-  for (const auto& o : rep.odfs) panels.emplace_back(o.odf);
-  const auto same = groups(panels.size(), [&](size_t a, size_t b) {
-    for (int c = 0; c < 4; ++c)
-      if (std::fabs(panels[a].chroma()[c].x - panels[b].chroma()[c].x) > 0.0005 ||
-          std::fabs(panels[a].chroma()[c].y - panels[b].chroma()[c].y) > 0.0005)
-        return false;
+// The whites' zoom: around their mean, wide enough for all, in steps of 0.002.
+void planWhiteZoom(const std::vector<PlanTriangle>& gamut, ReportPlan& plan) {
+  double cx = 0, cy = 0, n = 0;
+  for (const auto& t : gamut) cx += t.rgbw[3].x, cy += t.rgbw[3].y, ++n;
+  if (n == 0) return;
+  cx /= n, cy /= n;
+  double span = 0.006;
+  for (const auto& t : gamut)
+    span = std::max(span, std::max(std::fabs(t.rgbw[3].x - cx), std::fabs(t.rgbw[3].y - cy)) * 1.3);
+  plan.whiteZoom[0] = cx, plan.whiteZoom[1] = cy, plan.whiteZoom[2] = std::ceil(span / 0.002) * 0.002;
+}
+
+// Triangles coincide when their primaries are within a pixel of the diagram; they are the same
+// when their whites are also within a pixel of the zoom, where they are told apart.
+void groupTriangles(std::vector<PlanTriangle>& tris, const ReportPlan& plan, const std::vector<std::string>& names) {
+  const auto near = [](Chroma a, Chroma b, double pixel) {
+    return std::fabs(a.x - b.x) <= pixel && std::fabs(a.y - b.y) <= pixel;
+  };
+  const auto first = coincidenceGroups(tris.size(), [&](size_t a, size_t b) {
+    for (int c = 0; c < 3; ++c)
+      if (!near(tris[a].rgbw[c], tris[b].rgbw[c], kXyPixel)) return false;
     return true;
   });
+  const double zoomPixel = 2 * plan.whiteZoom[2] / kWhiteZoomPixels;
+  for (size_t i = 0; i < first.size(); ++i) {
+    size_t j = 0, k = 0;
+    groupPlace(first, i, j, k);
+    PlanTriangle& t = tris[i];
+    if (!t.measured) t.style = sharedLineStyle(t.style.colour, j, k);
+    if (first[i] == i) continue;
+    const bool white = near(t.rgbw[3], tris[first[i]].rgbw[3], zoomPixel);
+    t.label += (white ? " (same as " : " (primaries as ") + names[first[i]] + ")";
+  }
+}
+
+void planGamut(const PanelReport& rep, ReportPlan& plan) {
+  std::vector<PlanTriangle> targets, sets;
+  std::vector<std::string> targetNames, setNames;
+  for (const ReportTarget& t : rep.targets) {
+    if (t.nits100) continue;
+    PlanTriangle tri;
+    tri.label = "target " + t.mode;
+    tri.style.colour = modeColourIndex(t.mode);
+    TargetModel model(t.target);
+    for (int c = 0; c < 4; ++c) tri.rgbw[c] = model.chroma()[c];
+    targets.push_back(tri);
+    targetNames.push_back(t.mode);
+  }
   for (size_t s = 0; s < rep.odfs.size(); ++s) {
-    const PanelModel& panel = panels[s];
+    const PanelModel panel(rep.odfs[s].odf);
     if (!panel.valid()) continue;
     PlanTriangle tri;
-    tri.label = "panel " + rep.odfs[s].set;
-    if (same[s] != s) tri.label += " (same as " + rep.odfs[same[s]].set + ")";
+    const std::string fed = modesOfSet(rep.odfs[s].setIndex);
+    tri.label = "panel " + rep.odfs[s].set + (fed.empty() ? "" : ": " + fed);
     tri.measured = true;
     tri.style.dash = setDash(s);
     tri.style.width = 1.5;
     for (int c = 0; c < 4; ++c) tri.rgbw[c] = panel.chroma()[c];
-    plan.gamut.push_back(tri);
+    sets.push_back(tri);
+    setNames.push_back(rep.odfs[s].set);
   }
+  plan.gamut = targets;
+  plan.gamut.insert(plan.gamut.end(), sets.begin(), sets.end());
+  planWhiteZoom(plan.gamut, plan);
+  groupTriangles(targets, plan, targetNames);
+  groupTriangles(sets, plan, setNames);
+  plan.gamut = targets;
+  plan.gamut.insert(plan.gamut.end(), sets.begin(), sets.end());
+}
+
+// The gamma plot's axis: the curves' range, padded, in steps of 0.05.
+void planGammaAxis(const std::vector<PlanCurve>& measured, const std::vector<double>& targets, ReportPlan& plan) {
+  double lo = 1e9, hi = -1e9;
+  for (const auto& c : measured)
+    for (const auto& p : c.points) lo = std::min(lo, p.second), hi = std::max(hi, p.second);
+  for (double e : targets) lo = std::min(lo, e), hi = std::max(hi, e);
+  if (lo > hi) lo = 1.8, hi = 2.6;
+  // Implausible data (flagged in the notes) must not stretch the axis into thousands of ticks.
+  lo = std::max(lo, 0.5), hi = std::min(hi, 5.0);
+  if (lo >= hi) lo = 0.5, hi = 5.0;
+  plan.gammaAxis[0] = std::floor((lo - 0.04) / 0.05) * 0.05;
+  plan.gammaAxis[1] = std::ceil((hi + 0.04) / 0.05) * 0.05;
 }
 
 void planGrey(const PanelReport& rep, ReportPlan& plan) {
@@ -132,10 +155,14 @@ void planGrey(const PanelReport& rep, ReportPlan& plan) {
     plan.greyFacts.push_back(fact);
   }
 
-  const auto sameCurve = groups(curves.size(), [&](size_t a, size_t b) {
+  std::vector<double> exponents;
+  for (const ReportTarget& t : rep.targets) exponents.push_back(1.0 / t.target.values[8]);
+  planGammaAxis(curves, exponents, plan);
+  const double pixel = (plan.gammaAxis[1] - plan.gammaAxis[0]) / kGammaPlotPixels;
+  const auto sameCurve = coincidenceGroups(curves.size(), [&](size_t a, size_t b) {
     if (curves[a].points.size() != curves[b].points.size()) return false;
     for (size_t i = 0; i < curves[a].points.size(); ++i)
-      if (std::fabs(curves[a].points[i].second - curves[b].points[i].second) > 0.001) return false;
+      if (std::fabs(curves[a].points[i].second - curves[b].points[i].second) > pixel) return false;
     return true;
   });
   for (size_t s = 0; s < curves.size(); ++s) {
@@ -143,25 +170,22 @@ void planGrey(const PanelReport& rep, ReportPlan& plan) {
     plan.gammaMeasured.push_back(curves[s]);
   }
 
-  const auto first = groups(rep.targets.size(), [&](size_t a, size_t b) {
-    return rep.targets[a].nits100 == rep.targets[b].nits100 &&
-           std::fabs(1.0 / rep.targets[a].target.values[8] - 1.0 / rep.targets[b].target.values[8]) < kSameExponent;
+  // Target lines within a pixel share their line in turns; "same as" only when their printed
+  // exponents agree too.
+  const auto first = coincidenceGroups(rep.targets.size(), [&](size_t a, size_t b) {
+    return rep.targets[a].nits100 == rep.targets[b].nits100 && std::fabs(exponents[a] - exponents[b]) <= pixel;
   });
   for (size_t i = 0; i < rep.targets.size(); ++i) {
     const ReportTarget& t = rep.targets[i];
     if (t.nits100) continue;
-    size_t k = 0, j = 0;
-    for (size_t m = 0; m < rep.targets.size(); ++m) {
-      if (first[m] != first[i]) continue;
-      if (m < i) ++j;
-      ++k;
-    }
-    const double e = 1.0 / t.target.values[8];
+    size_t j = 0, k = 0;
+    groupPlace(first, i, j, k);
     PlanCurve c;
-    c.label = "target " + t.mode + printfString(" gamma %.3f", e);
-    if (first[i] != i) c.label += " (same as " + rep.targets[first[i]].mode + ")";
-    c.style = shared(modeColourIndex(t.mode), j, k);
-    c.points = {{0, e}, {4095, e}};
+    c.label = "target " + t.mode + printfString(" gamma %.3f", exponents[i]);
+    if (first[i] != i && printfString("%.3f", exponents[i]) == printfString("%.3f", exponents[first[i]]))
+      c.label += " (same as " + rep.targets[first[i]].mode + ")";
+    c.style = sharedLineStyle(modeColourIndex(t.mode), j, k);
+    c.points = {{0, exponents[i]}, {4095, exponents[i]}};
     plan.gammaTargets.push_back(c);
   }
   for (const ReportTarget& t : rep.targets) {
@@ -181,6 +205,12 @@ void planPredictions(const PanelReport& rep, ReportPlan& plan) {
   for (const ReportTable& t : rep.tables) {
     PlanSwatchRow row;
     row.table = t.name;
+    if (t.target >= 0 && t.odf >= 0) {
+      // The target's file without the display name the page's title gives.
+      std::string target = fileName(rep.targets[static_cast<size_t>(t.target)].path);
+      if (target.rfind(rep.displayName + "_", 0) == 0) target.erase(0, rep.displayName.size() + 1);
+      row.made = target + ", " + rep.odfs[static_cast<size_t>(t.odf)].set;
+    }
     if (!t.lut || t.target < 0 || t.odf < 0) {
       row.note = !t.lut ? "no table" : t.target < 0 ? "no target for this table" : "no optical data for this table";
       plan.swatches.push_back(row);
@@ -266,6 +296,15 @@ int modeColourIndex(const std::string& mode) {
   return 4 + static_cast<int>(h % 4);
 }
 
+std::string modesOfSet(int set) {
+  std::vector<std::string> modes;
+  for (int k = 0; k < postblend::fe::kMaxTables; ++k)
+    if (postblend::fe::tableInputs(k, false).odf == set) modes.push_back(postblend::fe::kModeNames[k / 2]);
+  std::string o;
+  for (size_t i = 0; i < modes.size(); ++i) o += (i == 0 ? "" : i + 1 == modes.size() ? " and " : ", ") + modes[i];
+  return o;
+}
+
 std::string modeOfTable(const std::string& tableName) {
   for (const char* m : postblend::fe::kModeNames)
     if (tableName.find(m) != std::string::npos) return m;
@@ -287,10 +326,15 @@ ReportPlan planReport(const PanelReport& rep) {
   ReportPlan plan;
   plan.title = "PanelCorvane calibration report: " + rep.panelName;
   plan.sourceLine = rep.sourceText.empty() ? "optical data: none" : rep.sourceText;
-  std::string data = rep.tablesText.empty() ? "tables: none" : rep.tablesText;
-  data += "   targets: " + std::to_string(rep.targets.size()) + "   measurement sets:";
-  for (const auto& o : rep.odfs) data += " " + o.path.substr(o.path.find_last_of('/') + 1);
-  plan.dataLine = data;
+  std::vector<std::string> targets, sets;
+  for (const auto& t : rep.targets) targets.push_back(t.path);
+  for (const auto& o : rep.odfs) sets.push_back(o.path);
+  plan.dataLine = (rep.tablesText.empty() ? "tables: none" : rep.tablesText) + ";   targets: " +
+                  (targets.empty() ? "none" : foldedPaths(targets));
+  plan.setsLine = "measurement sets: " + (sets.empty() ? "none" : foldedPaths(sets));
+  if (!rep.odfs.empty() && rep.odfs[0].setIndex >= 0)
+    plan.setsLine += ";   _1_ feeds " + modesOfSet(postblend::fe::kOdf1max) + ", _2_ feeds " +
+                     modesOfSet(postblend::fe::kOdf2max) + "; max: the full-brightness tables, 100nit: the 100-nit ones";
   planGamut(rep, plan);
   planGrey(rep, plan);
   planPredictions(rep, plan);

@@ -34,6 +34,7 @@ struct PlanSwatch {
 
 struct PlanSwatchRow {
   std::string table;
+  std::string made;  // what the table was made from: "Vivid_100nits.txt, 2_100nit"
   std::string note;  // why a row has no swatches
   std::vector<PlanSwatch> cells;
 };
@@ -44,12 +45,21 @@ struct PlanBrightnessLine {
   uint32_t even = 0, odd = 0;  // the node's output in the 100-nit and the full-brightness table
 };
 
+// The page's plots in pixels (the xy diagram 620 wide for x 0..0.8, the whites' zoom and the
+// gamma plot 400 high): lines closer than a pixel coincide, and only those say "same as".
+constexpr double kXyPixel = 0.8 / 620;
+constexpr double kWhiteZoomPixels = 400, kGammaPlotPixels = 400;
+
 struct ReportPlan {
-  std::string title, sourceLine, dataLine;
+  // The page names what it shows: the panel, the optical data and why, where the tables come
+  // from, the measurement sets and the modes each feeds, the target files.
+  std::string title, sourceLine, dataLine, setsLine, targetsLine;
 
   std::vector<PlanTriangle> gamut;  // targets, then the measured sets
+  double whiteZoom[3] = {0.3127, 0.329, 0.006};  // centre x, y and half its span
   std::vector<std::string> colourNames;  // the 21 reference colours
 
+  double gammaAxis[2] = {1.8, 2.6};      // the gamma plot's range
   std::vector<PlanCurve> gammaMeasured;  // x grey code, y exponent
   std::vector<PlanCurve> gammaTargets;   // horizontal: the target's exponent
   std::vector<PlanCurve> greyDe;         // x 8-bit grey level, y CIEDE2000
@@ -68,6 +78,9 @@ struct ReportPlan {
 
 // Colour index of a mode name: Vivid 0, Nature 1, Cinema 2, LsRGB 3, others 4 and up.
 int modeColourIndex(const std::string& mode);
+// The modes whose tables a measurement set (frontend/TablePlan.h) feeds: "Nature and Cinema"
+// for 1_max and 1_100nit (their full-brightness and 100-nit tables); "" for none.
+std::string modesOfSet(int set);
 // The mode of a table name such as "3 Nature" or "0 Vivid 100-nit" ("" when none).
 std::string modeOfTable(const std::string& tableName);
 

@@ -12,7 +12,7 @@
 namespace pctool {
 
 void drawSwatches(cairo_t* cr, const ReportPlan& plan) {
-  const double x0 = 40, label = 160, cell = 50, top = 1700, rowH = 64, swatchH = 42;
+  const double x0 = 40, label = 175, cell = 49, top = 1700, rowH = 64, swatchH = 42;
   cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
   drawText(cr, x0, top, "Reference colours: left half the target, right half what the panel shows with the table",
            18, Align::Left, true);
@@ -37,7 +37,9 @@ void drawSwatches(cairo_t* cr, const ReportPlan& plan) {
     const PlanSwatchRow& row = plan.swatches[r];
     const double y = heads + r * rowH;
     cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
-    drawText(cr, x0, y + swatchH / 2 + 5, row.table, 14);
+    drawText(cr, x0, y + swatchH / 2, row.table, 14);
+    cairo_set_source_rgb(cr, 0.35, 0.35, 0.35);
+    drawText(cr, x0, y + swatchH / 2 + 17, fitText(cr, row.made, 11, label - 8), 11);
     if (row.cells.empty()) {
       cairo_set_source_rgb(cr, 0.45, 0.45, 0.45);
       drawText(cr, x0 + label, y + swatchH / 2 + 5, row.note, 14);
