@@ -21,7 +21,7 @@ const char kHelp[] =
     "Puts colours through a table. TABLE is any table (a cache needs --table K when it holds\n"
     "more than one; a .cube of any size is first resampled onto the 17 device nodes). IN is\n"
     "chosen by its extension:\n"
-    "  .csv  lines \"r,g,b\": 8-bit values 0..255, or signals 0..1 when any value has a '.';\n"
+    "  .csv  lines \"r,g,b\": 8-bit values 0..255, or signals 0..1 (written with a '.');\n"
     "        a header line may come first. OUT (CSV) repeats each input and adds the table's\n"
     "        output as 12-bit codes (r12,g12,b12) and as 8-bit values (r8,g8,b8)\n"
     "  .png  an 8-bit RGB or RGBA image (grey and palette images are expanded to RGB); OUT,\n"

@@ -73,9 +73,9 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"inspect D", 1, "inspect: D: is a folder, not a file"},
       {"odf print D", 1, "odf: D: is a folder, not a file"},
       {"diff t.cube missing.cube", 1, "diff: missing.cube: no such file\n"},
-      {"odf write y.odf --ti3 missing.ti3", 1, "odf: missing.ti3: no such file\n", "y.odf"},
+      {"odf write y.odf --ti3=missing.ti3", 1, "odf: missing.ti3: no such file\n", "y.odf"},
       // Malformed inputs name their line.
-      {"export bad.cube o.txt", 1, "export: bad.cube: line 2 malformed\n", "o.txt"},
+      {"export bad.cube o.txt", 1, "export: bad.cube: line 2 malformed: want 3 numbers, found 2\n", "o.txt"},
       {"inspect huge.cube", 1, "inspect: huge.cube: line 1 unsupported: LUT_3D_SIZE 129 (2..65)\n"},
       {"apply t.cube bad.csv out.csv", 1, "apply: bad.csv: line 1 malformed: want three values r,g,b\n", "out.csv"},
       {"apply t.cube not.png out.png", 1, "apply: not.png: ", "out.png"},
@@ -135,14 +135,14 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"mkdevice --lot 5 M -j 0", 2, "-j wants"},
       {"verify --lot", 2, "needs at least one DIR"},
       {"verify --lot L --max-de -1", 2, "--max-de wants"},
-      {"verify --lot L -j 0", 2, "-j wants"},
+      {"verify --lot L -j0", 2, "-j wants"},
       {"verify --lot L --bogus", 2, "unknown option --bogus"},
       // Done, with what an engineer must hear.
       {"apply t.cube c.csv out.csv --interp trilinear", 0, "wrote out.csv: 1 colours (8-bit values)"},
       {"inspect big.cube", 0, "note: resampled from 33 nodes (tetrahedral)\n"},
       {"odf write rel.odf --ti3 rel.ti3", 0, "rel.ti3: warning: no LUMINANCE_XYZ_CDM2 in the header: the XYZ values are "
                                              "taken as they are, not scaled to cd/m2\n"},
-      {"verify --lot L --png page.png", 0, "", "", true},
+      {"verify --lot L --png page.png -j1", 0, "", "", true},
       {"export big.cube hook.txt", 0, "export: big.cube: note: resampled from 33 nodes (tetrahedral)\n"},
       {"report D -o new/pages", 0, "report-PanelCorvane_secondary.png", "", true},
   };

@@ -63,9 +63,15 @@ TEST(ColourCsv, MalformedListsNameTheLine) {
       {"r,g,b\n1,2\n", "line 2 malformed: want three values r,g,b"},
       {"1,2,3,4\n", "line 1 malformed: want three values r,g,b"},
       {"1,2,3\nr,g,b\n", "line 2 malformed: 'r' is not a number"},
-      {"1,-2,3\n", "line 1 malformed: '-2' is not a number"},
-      {"1,2,1e3\n", "line 1 malformed: '1e3' is not a number"},
+      {"1,-2,3\n", "line 1 out of range: -2 (8-bit values are 0..255)"},
+      {"1,0x2,3\n", "line 1 malformed: '0x2' is not a number"},
       {"1,,3\n", "line 1 malformed: '' is not a number"},
+      {"nan,0,0\n", "line 1 malformed: 'nan' is not a finite number"},  // no header, no "0 colours"
+      {"r,g,b\n0,1,inf\n", "line 2 malformed: 'inf' is not a finite number"},
+      {"r,g,b\n# none\n", "no colour in the list (want lines r,g,b after an optional header)"},
+      {"", "no colour in the list (want lines r,g,b after an optional header)"},
+      {"255,0,0\n128.0,0,0\n", "line 2 malformed: 128.0 is written as a signal 0..1, but the 8-bit value 255 on line 1 "
+                                "makes this a list of 8-bit values"},
       {"0,0,0\n1,256,3\n", "line 2 out of range: 256 (8-bit values are 0..255)"},
       {"0.5,0,0\n0,0,2\n", "line 2 out of range: 2 (signals are 0..1)"},
       {"1,2,3\n" + std::string(300, ' ') + "\n", "line 2 too long (over 256 characters)"},
