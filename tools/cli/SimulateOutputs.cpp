@@ -56,9 +56,15 @@ bool SimulateOutputs::finish(const std::vector<PluginLogLine>& log) {
     return ok;
   }
   std::vector<PanelReport> reports;
+  std::vector<std::string> unjudged;
   std::string error;
   const std::vector<TableJob> jobs = tableJobs(log);
-  if (!collectDeviceReports((mOut / "device").string(), reports, error, &jobs)) {
+  const bool any = collectDeviceReports((mOut / "device").string(), reports, unjudged, error, &jobs);
+  for (const auto& u : unjudged) {
+    fprintf(stderr, "panelcorvane simulate: %s: display %s: no report page\n", (mOut / "device").c_str(), u.c_str());
+    ok = false;
+  }
+  if (!any) {
     printf("report: not drawn (%s)\n", error.c_str());
     return ok;
   }

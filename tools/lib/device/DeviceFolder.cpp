@@ -1,20 +1,21 @@
 #include "tools/lib/device/DeviceFolder.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 
 #include "cache/Lut3DCacheManager.h"
 #include "config/Prop.h"
 #include "frontend/TablePlan.h"
 #include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/DeviceDisplays.h"
 #include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/device/StaleCache.h"
 #include "tools/lib/tables/TableSource.h"
 
 namespace pctool {
 
-namespace fs = std::filesystem;
 namespace fe = postblend::fe;
 
 namespace {
@@ -23,7 +24,10 @@ void addTargets(const std::string& dir, const std::string& name, PanelReport& re
   std::string why;
   for (int file = 0; file < fe::kTargetFiles; ++file) {
     const std::string path = fe::targetPath(name, file);
-    if (!fs::exists(dir + path)) continue;
+    if (!pathExists(dir + path, why)) {
+      if (!why.empty()) rep.notes.push_back(path + ": " + why);
+      continue;
+    }
     ReportTarget t;
     t.mode = fe::kModeNames[file % fe::kModes];
     t.nits100 = file >= fe::kModes;
@@ -48,7 +52,8 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
                     PanelReport& rep) {
   std::vector<std::string> paths = source.odfPaths;
   if (paths.empty()) {
-    const bool local = fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Local, panel, name, 0));
+    std::string why;
+    const bool local = pathExists(dir + fe::opticalDataPath(fe::OdfOrigin::Local, panel, name, 0), why);
     for (int s = 0; s < fe::kOdfSets; ++s)
       paths.push_back(fe::opticalDataPath(local ? fe::OdfOrigin::Local : fe::OdfOrigin::Golden, panel, name, s));
     rep.sourceText += local ? "; shown: the local data, which the plugin tries first"
@@ -71,17 +76,19 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
 
 void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelReport& rep) {
   const std::string cache = postblend::Lut3DCacheManager::cachePath(panel == 0 ? 0 : 1);
-  if (!fs::exists(dir + cache)) {
-    rep.notes.push_back(cache + " not found: no tables (run the plugin once to fill the cache)");
+  std::string why;
+  if (!pathExists(dir + cache, why)) {
+    rep.notes.push_back(cache + (why.empty() ? " not found: no tables (run the plugin once to fill the cache)" : ": " + why));
     return;
   }
   std::vector<LoadedTable> tables;
-  std::string why;
   if (!loadTables(dir + cache, tables, why)) {
     rep.notes.push_back(cache + ": " + why);
     return;
   }
   rep.tablesText = "tables: " + cache + ", " + std::to_string(tables.size()) + " tables";
+  const std::string stale = staleCacheNote(dir, rep.displayName, panel);
+  if (!stale.empty()) rep.notes.push_back(cache + ": " + stale);
   for (uint32_t k = 0; k < tables.size(); ++k) {
     ReportTable t{cacheTableName(k), tables[k].lut};
     if (k < fe::kMaxTables) {
@@ -96,22 +103,23 @@ void addTables(const std::string& dir, uint32_t panel, bool use100nits, PanelRep
 
 }  // namespace
 
-std::string cacheTableName(uint32_t index) {
-  std::string s = std::to_string(index) + " " + (index / 2 < fe::kModes ? fe::kModeNames[index / 2] : "table");
-  return index % 2 == 0 ? s + " 100-nit" : s;
-}
-
-bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::string& error,
-                          const std::vector<TableJob>* jobs) {
+bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::vector<std::string>& unjudged,
+                          std::string& error, const std::vector<TableJob>* jobs) {
   out.clear();
+  unjudged.clear();
   PropertyFile prop;
   if (!prop.load(dir + postblend::Prop::kPath, error)) {
     error = std::string(postblend::Prop::kPath) + ": " + error;
     return false;
   }
   const bool use100nits = prop.switches().use100nits;
-  for (const auto& [name, panel] : prop.displayNames()) {
-    if (!fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0))) continue;
+  for (const DeviceDisplay& display : deviceDisplays(dir, prop)) {
+    if (!display.error.empty()) {
+      unjudged.push_back(display.unjudgedText());
+      continue;
+    }
+    const std::string& name = display.name;
+    const uint32_t panel = display.panel;
     PanelReport rep;
     rep.displayName = name;
     rep.panelName = name + " (panel " + std::to_string(panel) + ")";
@@ -125,6 +133,10 @@ bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out,
     addOpticalData(dir, source, panel, name, rep);
     addTables(dir, panel, use100nits, rep);
     out.push_back(std::move(rep));
+  }
+  if (out.empty() && !unjudged.empty()) {
+    error = "no panel can be reported: " + unjudged.front();
+    return false;
   }
   if (out.empty()) {
     error = "no panel found (no display name of the property file has " + std::string(fe::kOdmDir) + "<name>_1_max.odf)";

@@ -6,8 +6,10 @@
 
 #include "config/Prop.h"
 #include "frontend/Lut3dGeneration.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/common/ParallelFor.h"
 #include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/DeviceDisplays.h"
 #include "tools/lib/device/DeviceFolder.h"
 #include "tools/lib/device/PanelTables.h"
 #include "tools/lib/device/PropertyFile.h"
@@ -23,9 +25,9 @@ namespace fe = postblend::fe;
 constexpr const char* kPropertyFile = postblend::Prop::kPath;
 
 // Anything at the property file's place makes a tree: a broken one is reported, not skipped.
-bool isTree(const fs::path& p) {
-  std::error_code ec;
-  return fs::exists(p.string() + kPropertyFile, ec);
+bool isTree(const std::string& p) {
+  std::string why;
+  return pathExists(p + kPropertyFile, why) || !why.empty();
 }
 
 std::string folderName(const std::string& path) {
@@ -111,9 +113,10 @@ bool findLotTrees(const std::vector<std::string>& dirs, std::vector<std::string>
       trees.push_back(dir);
       continue;
     }
-    std::vector<std::string> found;
-    for (const auto& e : fs::directory_iterator(dir, ec))
-      if (e.is_directory(ec) && isTree(e.path())) found.push_back(e.path().string());
+    std::vector<std::string> found, names;
+    if (!listFolder(dir, names, error)) return error = dir + ": " + error, false;
+    for (const auto& name : names)
+      if (isTree((fs::path(dir) / name).string())) found.push_back((fs::path(dir) / name).string());
     if (found.empty()) {
       error = dir + ": no device tree in it (no odm/etc/PanelCorvane/panelcorvane in the folder or a sub-folder)";
       return false;
@@ -135,10 +138,13 @@ LotPanelResult verifyPanel(const std::string& tree, double maxDe) {
     return r;
   }
   const postblend::PanelSwitches sw = prop.switches();
-  for (const auto& [name, panel] : prop.displayNames()) {
-    std::error_code ec;
-    if (fs::exists(tree + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0), ec))
-      verifyDisplay(tree, sw, name, panel, maxDe, r);
+  for (const DeviceDisplay& d : deviceDisplays(tree, prop)) {
+    if (d.error.empty()) {
+      verifyDisplay(tree, sw, d.name, d.panel, maxDe, r);
+      continue;
+    }
+    r.modes.push_back({d.name, -1, "no tables", "", 0, 0, 0, false, d.unjudgedText()});
+    r.displays.push_back({d.name, "none", false, d.unjudgedText(), {}, false});
   }
   if (r.displays.empty())
     r.error = tree + kPropertyFile + ": no display name with golden data (<name>_1_max.odf)";
