@@ -3,8 +3,9 @@
 // unknown, and read it as that kind), CGATS colorimeter files (.ti3) through to an .odf and a
 // measured verification, the colour lists `apply` takes, and a device's property file through the
 // device-folder walk that simulate's pages, `report` and a lot share (its display names become
-// paths: no exception may escape). Input: one byte choosing the reader (0 .cube, 1 session,
-// 2 measurement text, 3 inspect, 4 CGATS, 5 colour list, 6 property file), then the bytes.
+// paths: no exception may escape), and PNG images with their colour chunks through the
+// conversion `apply` makes. Input: one byte choosing the reader (0 .cube, 1 session, 2 measurement
+// text, 3 inspect, 4 CGATS, 5 colour list, 6 property file, 7 PNG), then the bytes.
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -24,6 +25,9 @@
 #include "tools/lib/measurements/OdfFromMeasurements.h"
 #include "tools/lib/tables/ColourCsv.h"
 #include "tools/lib/tables/CubeFile.h"
+#include "tools/lib/tables/ImageColour.h"
+#include "tools/lib/tables/LutApply.h"
+#include "tools/lib/tables/PngImage.h"
 #include "tools/lib/tables/TableSource.h"
 #include "tools/lib/verify/MeasuredVerify.h"
 
@@ -81,7 +85,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
           std::abort();  // the workbench's main would report it; the walk itself must not throw
         }
       },
+      [&] {
+        pcfuzz::writeDeviceFile("/image.png", data + 1, size - 1);
+        pctool::Image img;
+        pctool::ImageConversion conversion;
+        if (!pctool::PngImage::read(pcfuzz::quietPlatform() + "/image.png", img, error) ||
+            !conversion.prepare(img.colour, pctool::srgbSpace(), error))
+          return;
+        pctool::setIdentity(*lut, 0);
+        pctool::applyLutToImage(*lut, img, conversion, pctool::Interp::Tetrahedral, pctool::NodeGrid::Device);
+      },
   };
-  readers[data[0] % 7]();
+  readers[data[0] % 8]();
   return 0;
 }

@@ -10,6 +10,8 @@ PACKAGES=(
   libbenchmark-dev                # bench/
   libcairo2-dev                   # the workbench's PNG report pages
   libpng-dev                      # `apply` on PNG images; the build works without it, CSV only
+  liblcms2-dev                    # `apply`: a tagged PNG converted to the table's input space by Little CMS
+  liblcms2-utils                  # tests: transicc converts a colour as a check of `apply`'s conversion
   ffmpeg                          # tests: exported .cube files and `apply` against ffmpeg's lut3d filter
   opencolorio-tools               # tests: ociobakelut's 33-node .cube read back onto the device grid
   binutils                        # tests: the plugin's exported symbols (nm)
