@@ -79,7 +79,9 @@ int applyPng(const LoadedTable& t, const std::string& in, const std::string& out
   if (!PngImage::write(out, img, what, error)) return fail(out, error);
   printf("wrote %s: %u x %u %s, %d-bit\n%s\n", out.c_str(), img.width, img.height,
          img.channels == 4 ? "RGBA" : "RGB", img.depth, conversion.summary().c_str());
-  if (outside > 0) printf("  %zu pixels lay outside %s and were clipped\n", outside, space.name.c_str());
+  if (outside > 0)
+    printf("  %zu of %zu pixels lay outside %s and were clipped\n", outside, size_t(img.width) * img.height,
+           space.name.c_str());
   return kOk;
 }
 

@@ -95,7 +95,7 @@ bool ImageConversion::prepare(const PngColour& from, const RgbSpace& to, std::st
   cmsHPROFILE target = l.rgbProfile(to);
   if (source != nullptr && target != nullptr)
     l.transform = cmsCreateTransformTHR(l.ctx, source, TYPE_RGB_DBL, target, TYPE_RGB_DBL,
-                                        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOCACHE);
+                                        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_NOCACHE | cmsFLAGS_NOOPTIMIZE);
   if (source != nullptr) cmsCloseProfile(source);
   if (target != nullptr) cmsCloseProfile(target);
   if (l.transform == nullptr) {
@@ -112,7 +112,7 @@ size_t ImageConversion::convert(double* rgb, size_t pixels) {
   if (lcms_->transform == nullptr) return 0;
   cmsDoTransform(lcms_->transform, rgb, rgb, static_cast<cmsUInt32Number>(pixels));
   size_t outside = 0;
-  constexpr double kSlack = 1e-6;  // the arithmetic's noise at the gamut's edge
+  constexpr double kSlack = 0.5 / 4095;
   for (size_t i = 0; i < pixels; ++i, rgb += 3) {
     bool out = false;
     for (int c = 0; c < 3; ++c) out = out || rgb[c] < -kSlack || rgb[c] > 1 + kSlack;

@@ -36,7 +36,8 @@ class ImageConversion {
   bool prepare(const PngColour& from, const RgbSpace& to, std::string& error);
   // One line for the user: what the values were taken as and what was done with them.
   const std::string& summary() const { return summary_; }
-  // `pixels` RGB signals 0..1 in place; returns how many fell outside 0..1 in the table's space.
+  // `pixels` RGB signals 0..1 in place; returns how many fell outside 0..1 in the table's space
+  // by more than half a 12-bit code (less is the arithmetic's noise at the gamut's edge).
   size_t convert(double* rgb, size_t pixels);
 
  private:
