@@ -249,7 +249,9 @@ TEST_F(ApplyCommand, DisplayP3IsConvertedAsTransiccConvertsIt) {
   if (!pctest::haveProgram("transicc")) GTEST_SKIP() << "liblcms2-utils not installed: no transicc to check with";
   std::string err;
   ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/id.cube", pctest::identityTables(1)[0], "id", err)) << err;
-  ASSERT_TRUE(cmsSaveProfileToFile(displayP3(), (dir + "/p3.icc").c_str()));
+  cmsHPROFILE p3 = displayP3();
+  ASSERT_TRUE(cmsSaveProfileToFile(p3, (dir + "/p3.icc").c_str()));
+  cmsCloseProfile(p3);
   const pctool::Image in = writePng("p3.png", 3, 16, iccChunk("Display P3", displayP3()));
   ASSERT_EQ(run("apply id.cube p3.png out.png").status, 0);
   const pctool::Image out = readPng("out.png");
