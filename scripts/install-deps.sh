@@ -10,7 +10,8 @@ PACKAGES=(
   libbenchmark-dev                # bench/
   libcairo2-dev                   # the workbench's PNG report pages
   libpng-dev                      # `apply` on PNG images; the build works without it, CSV only
-  liblcms2-dev liblcms2-utils     # ICC profiles (`odf icc`, `verify --icc`); tests: transicc reads them back
+  liblcms2-dev                    # ICC profiles (`odf icc`, `verify --icc`); `apply` converts a tagged PNG
+  liblcms2-utils                  # tests: transicc reads the profiles back and checks `apply`'s conversion
   ffmpeg                          # tests: exported .cube files and `apply` against ffmpeg's lut3d filter
   opencolorio-tools               # tests: ociobakelut's 33-node .cube read back onto the device grid
   binutils                        # tests: the plugin's exported symbols (nm)

@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
       fputs(pctool::kExitContract, stdout);
       return pctool::kOk;
     }
-    int status = c.run(args);
+    int status = pctool::runCommand(c, args);
     // Output sent to a full disk or a closed pipe is a failed job, not a success.
     if (fflush(stdout) != 0 || ferror(stdout)) {
       fprintf(stderr, "panelcorvane %s: standard output: %s\n", c.name, std::strerror(errno));

@@ -1,5 +1,8 @@
 #include "tools/cli/Command.h"
 
+#include <cstdio>
+#include <exception>
+
 namespace pctool {
 
 namespace {
@@ -11,5 +14,18 @@ std::vector<Command>& registry() {
 
 void registerCommand(const Command& cmd) { registry().push_back(cmd); }
 const std::vector<Command>& commands() { return registry(); }
+
+int runCommand(const Command& cmd, const std::vector<std::string>& args) {
+  try {
+    return cmd.run(args);
+  } catch (const std::exception& e) {
+    fflush(stdout);
+    fprintf(stderr, "panelcorvane %s: internal error: %s\n", cmd.name, e.what());
+  } catch (...) {
+    fflush(stdout);
+    fprintf(stderr, "panelcorvane %s: internal error: an exception of unknown type\n", cmd.name);
+  }
+  return kInternal;
+}
 
 }  // namespace pctool

@@ -16,6 +16,9 @@ struct Command {
 };
 
 void registerCommand(const Command& cmd);
+// Runs `cmd`. An exception that escapes it becomes one line on stderr naming the command and
+// the exception, and the status kInternal: never an abort.
+int runCommand(const Command& cmd, const std::vector<std::string>& args);
 const std::vector<Command>& commands();
 
 struct Registrar {

@@ -3,9 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
+#include "tools/lib/common/CliArgs.h"
 #include "tools/lib/device/SyntheticDevice.h"
 
 namespace pctool {
@@ -57,43 +59,32 @@ int run(const std::vector<std::string>& args) {
   for (const auto& a : args)
     if (a == "--lot" || a.rfind("--lot=", 0) == 0) return runMkdeviceLot(args);
   SyntheticDeviceOptions o;
-  std::string dir;
-  bool force = false;
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    const bool hasValue = i + 1 < args.size();
-    unsigned n = 0;
-    if (a == "--seed" || a == "--tables" || a == "--param-version") {
-      if (!hasValue || !parseUnsigned(args[i + 1], &n)) return usage(a + " needs a number");
-      ++i;
-      if (a == "--seed") o.seed = n;
-      if (a == "--param-version") o.paramVersion = n;
-      if (a == "--tables") {
-        if (n != 6 && n != 8) return usage("--tables must be 6 or 8");
-        o.tables = static_cast<int>(n);
-      }
-    } else if (a == "--primary" || a == "--secondary") {
-      if (!hasValue || args[i + 1].empty() || args[i + 1].find_first_of("=\n/") != std::string::npos)
-        return usage(a + " needs a name without '=', '/' or line feed");
-      (a == "--primary" ? o.primaryName : o.secondaryName) = args[++i];
-    } else if (a == "--no-gamma") {
-      o.gammaCorrection = false;
-    } else if (a == "--no-100nits") {
-      o.in100nits = false;
-    } else if (a == "--no-local") {
-      o.localData = false;
-    } else if (a == "--mismatch") {
-      o.matched = false;
-    } else if (a == "--force") {
-      force = true;
-    } else if (!a.empty() && a[0] == '-') {
-      return usage("unknown option '" + a + "'");
-    } else if (dir.empty()) {
-      dir = a;
-    } else {
-      return usage("only one DIR expected");
-    }
+  unsigned tables = static_cast<unsigned>(o.tables);
+  ParsedArgs a;
+  std::string err;
+  if (!parseArgs(args, {"--seed", "--tables", "--param-version", "--primary", "--secondary"},
+                 {"--no-gamma", "--no-100nits", "--no-local", "--mismatch", "--force"}, a, err))
+    return usage(err);
+  for (auto [name, field] : {std::pair<const char*, unsigned*>{"--seed", &o.seed},
+                              {"--param-version", &o.paramVersion}, {"--tables", &tables}}) {
+    if (a.has(name) && !parseUnsigned(a.value(name), field)) return usage(std::string(name) + " needs a number");
   }
+  if (tables != 6 && tables != 8) return usage("--tables must be 6 or 8");
+  o.tables = static_cast<int>(tables);
+  for (auto [name, field] : {std::pair<const char*, std::string*>{"--primary", &o.primaryName},
+                              {"--secondary", &o.secondaryName}}) {
+    if (!a.has(name)) continue;
+    *field = a.value(name);
+    if (field->empty() || field->find_first_of("=\n/") != std::string::npos)
+      return usage(std::string(name) + " needs a name without '=', '/' or line feed");
+  }
+  o.gammaCorrection = !a.has("--no-gamma");
+  o.in100nits = !a.has("--no-100nits");
+  o.localData = !a.has("--no-local");
+  o.matched = !a.has("--mismatch");
+  const bool force = a.has("--force");
+  if (a.positional.size() > 1) return usage("only one DIR expected");
+  const std::string dir = a.positional.empty() ? "" : a.positional[0];
   if (dir.empty()) return usage("DIR missing");
   std::string error;
   namespace fs = std::filesystem;

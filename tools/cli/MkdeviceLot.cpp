@@ -5,6 +5,7 @@
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
 #include "tools/lib/common/CliArgs.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/common/ParallelFor.h"
 #include "tools/lib/common/ProgressBar.h"
 #include "tools/lib/lot/ProductionLot.h"
@@ -35,21 +36,22 @@ int fail(const std::string& what) {
 }
 
 // Removes an earlier lot: lot.csv and panel-* folders; anything else stays and is an error.
-bool clearLot(const std::filesystem::path& dir, size_t& removed, std::string& error) {
+bool clearLot(const std::string& dir, size_t& removed, std::string& error) {
   namespace fs = std::filesystem;
-  std::error_code ec;
-  for (const auto& e : fs::directory_iterator(dir, ec)) {
-    const std::string name = e.path().filename().string();
+  std::vector<std::string> names;
+  if (!listFolder(dir, names, error)) return error = dir + ": " + error, false;
+  for (const auto& name : names) {
     if (name != "lot.csv" && name.rfind("panel-", 0) != 0) continue;
-    fs::remove_all(e.path(), ec);
+    const fs::path p = fs::path(dir) / name;
+    std::error_code ec;
+    fs::remove_all(p, ec);
     if (ec) {
-      error = e.path().string() + ": cannot remove: " + ec.message();
+      error = p.string() + ": cannot remove: " + ec.message();
       return false;
     }
     ++removed;
   }
-  if (ec) error = dir.string() + ": cannot list: " + ec.message();
-  return !ec;
+  return true;
 }
 
 }  // namespace

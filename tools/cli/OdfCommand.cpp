@@ -11,6 +11,7 @@
 #include "tools/lib/calibration/CalibrationFiles.h"
 #include "tools/lib/calibration/OdfWriter.h"
 #include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/CliArgs.h"
 #include "tools/lib/common/FileAccess.h"
 #include "tools/lib/verify/PanelProfile.h"
 
@@ -190,13 +191,19 @@ int writeIcc(const std::string& path, const std::string& out) {
   return kOk;
 }
 
-int run(const std::vector<std::string>& args) {
-  if (args.size() == 2 && args[0] == "print") return print(args[1]);
-  if (args.size() == 3 && args[0] == "icc") return writeIcc(args[1], args[2]);
-  if (args.size() == 3 && args[0] == "patches" && args[1] == "--ti1")
-    return writeOdfPatchesTi1(args[2]);
-  if (args.size() == 4 && args[0] == "write" && args[2] == "--ti3") return writeOdfFromTi3(args[1], args[3]);
-  if ((args.size() == 2 || args.size() == 3) && args[0] == "write")
+int run(const std::vector<std::string>& all) {
+  ParsedArgs a;
+  std::string err;
+  const bool parsed = parseArgs(all, {"--ti1", "--ti3"}, {}, a, err);
+  const std::vector<std::string>& args = a.positional;
+  const size_t options = a.values.size();
+  if (parsed && options == 0 && args.size() == 2 && args[0] == "print") return print(args[1]);
+  if (parsed && options == 0 && args.size() == 3 && args[0] == "icc") return writeIcc(args[1], args[2]);
+  if (parsed && options == 1 && a.has("--ti1") && args.size() == 1 && args[0] == "patches")
+    return writeOdfPatchesTi1(a.value("--ti1"));
+  if (parsed && options == 1 && a.has("--ti3") && args.size() == 2 && args[0] == "write")
+    return writeOdfFromTi3(args[1], a.value("--ti3"));
+  if (parsed && options == 0 && (args.size() == 2 || args.size() == 3) && args[0] == "write")
     return write(args[1], args.size() == 3 ? &args[2] : nullptr);
   fprintf(stderr, "panelcorvane odf: expected 'print FILE', 'write OUT [MEASUREMENTS.txt | --ti3 FILE]', "
           "'patches --ti1 OUT' or 'icc FILE OUT.icc'\n");

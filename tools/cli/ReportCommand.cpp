@@ -112,7 +112,8 @@ int fromFiles(const ParsedArgs& a, PanelReport& rep) {
   return kOk;
 }
 
-int fromDevice(const ParsedArgs& a, std::vector<std::pair<PanelReport, std::string>>& pages) {
+int fromDevice(const ParsedArgs& a, std::vector<std::pair<PanelReport, std::string>>& pages,
+               std::vector<std::string>& unjudged) {
   const std::string& dir = a.positional[0];
   std::string err;
   std::error_code ec;
@@ -135,7 +136,8 @@ int fromDevice(const ParsedArgs& a, std::vector<std::pair<PanelReport, std::stri
     haveLog = true;
   }
   std::vector<PanelReport> reps;
-  if (!collectDeviceReports(dir, reps, err, haveLog ? &jobs : nullptr)) return bad(dir, err);
+  if (!collectDeviceReports(dir, reps, unjudged, err, haveLog ? &jobs : nullptr)) return bad(dir, err);
+  for (auto& u : unjudged) u = dir + ": display " + u;
   const std::string outDir = a.value("-o", ".");
   if (!makeFolders(outDir, err)) return bad(outDir, err);
   for (auto& r : reps) {
@@ -168,6 +170,7 @@ int run(const std::vector<std::string>& args) {
   }
 
   std::vector<std::pair<PanelReport, std::string>> pages;
+  std::vector<std::string> unjudged;  // displays of the tree that got no page, with the reason
   int rc = kOk;
   if (files) {
     PanelReport rep;
@@ -175,7 +178,7 @@ int run(const std::vector<std::string>& args) {
     const std::string out = a.value("-o");
     if (!makeFolders(parentFolder(out), err)) return bad(parentFolder(out), err);
     pages.emplace_back(std::move(rep), out);
-  } else if ((rc = fromDevice(a, pages)) != kOk) {
+  } else if ((rc = fromDevice(a, pages, unjudged)) != kOk) {
     return rc;
   }
   int written = 0;
@@ -189,7 +192,9 @@ int run(const std::vector<std::string>& args) {
     ++written;
   }
   printf("%d report page%s written\n", written, written == 1 ? "" : "s");
-  return kOk;
+  fflush(stdout);
+  for (const auto& u : unjudged) fprintf(stderr, "panelcorvane report: %s\n", u.c_str());
+  return unjudged.empty() ? kOk : kBadInput;
 }
 
 static Registrar reg({"report", "PNG pages per panel: gamut, grey ramp, swatches, brightness", kHelp, run});

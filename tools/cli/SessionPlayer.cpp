@@ -19,6 +19,7 @@
 
 #include "postblend/color_records.h"
 #include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/StaleCache.h"
 
 using namespace postblend;
 
@@ -200,6 +201,9 @@ void SessionPlayer::waitTables(int p) {
   const DataSource ds = describeDataSource(trailer, job, pu.pluginPanel, pu.name);
   const char* from = job && job->fromCache ? "cache" : job && job->generated ? "generated" : "earlier";
   printf("  tables of %s: ready (%s); optical data: %s", pu.name.c_str(), from, ds.statement().c_str());
+  // The plugin takes such a cache as it is; the workbench says what it holds.
+  const std::string stale = job && job->fromCache ? staleCacheNote(mDeviceRoot, pu.name, pu.pluginPanel) : "";
+  if (!stale.empty()) printf("\n  WARNING: %s: %s", pu.name.c_str(), stale.c_str());
 }
 
 void SessionPlayer::control(const SessionStep& s) {

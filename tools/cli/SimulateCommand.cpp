@@ -6,11 +6,14 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
 
 #include "tools/cli/Command.h"
 #include "tools/cli/SessionPlayer.h"
 #include "tools/cli/SimulateOutputs.h"
+#include "tools/lib/common/CliArgs.h"
 #include "tools/lib/common/FileAccess.h"
+#include "tools/lib/device/DeviceCopy.h"
 #include "tools/lib/device/PropertyFile.h"
 #include "tools/lib/device/Session.h"
 
@@ -33,6 +36,8 @@ options:
   --out DIR        output folder, created when missing (default: simulate/ beside the tool).
                    The device tree is copied to OUT/device on the first run and used from
                    there, so the table cache written on the first run is loaded on the next.
+                   OUT/device-origin.txt records the tree copied: a later run refuses OUT
+                   when it is given another tree, or this one changed since (exit 1)
   --fresh          copy the device tree again (the cache is generated anew)
   --session FILE   session script to play (default: the built-in session)
   --print-session  print the built-in session and exit
@@ -42,7 +47,9 @@ options:
 
 A display name must be one the device's property file maps to a panel. The session fails
 (exit 1) when a panel's tables never become ready at a wait-tables step; it is still played
-to the end and its outputs written.
+to the end and its outputs written. A run first removes an earlier run's .cube files and
+report pages from OUT. When the tables come from a cache that the device's optical data or
+targets no longer give (changed after the cache was written), the wait-tables step says so.
 
 The pauses of the plugin (retries, DeInit) are scaled by PANELCORVANE_SLEEP_SCALE; simulate
 sets it to 0 unless it is already set. The plugin's log goes to OUT/session.log.
@@ -61,7 +68,7 @@ constexpr const char* kPropertyFile = "odm/etc/PanelCorvane/panelcorvane";
 fs::path exeDir() {
   std::error_code ec;
   fs::path p = fs::read_symlink("/proc/self/exe", ec);
-  return ec ? fs::current_path() : p.parent_path();
+  return ec ? fs::current_path(ec) : p.parent_path();
 }
 
 struct Options {
@@ -82,36 +89,35 @@ int fail(const std::string& what, const std::string& why) {
   return kBadInput;
 }
 
+bool isFolder(const fs::path& p) {
+  std::error_code ec;
+  return fs::is_directory(p, ec);
+}
+
 int parseOptions(const std::vector<std::string>& args, Options& o) {
   const fs::path here = exeDir();
   o.device = here / ".." / "examples" / "device";
 #ifdef PC_SOURCE_DIR
-  if (!fs::is_directory(o.device)) o.device = fs::path(PC_SOURCE_DIR) / "examples" / "device";
+  if (!isFolder(o.device)) o.device = fs::path(PC_SOURCE_DIR) / "examples" / "device";
 #endif
   o.out = here / "simulate";
   o.plugin = here / "libPanelCorvane.so";
-  for (size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--fresh") {
-      o.fresh = true;
-      continue;
-    }
-    if (a == "--print-session") {
-      o.printSession = true;
-      continue;
-    }
-    const bool takesValue = a == "--device" || a == "--out" || a == "--plugin" || a == "--session" ||
-                            a == "--primary" || a == "--secondary";
-    if (!takesValue) return usage("unknown argument '" + a + "'");
-    if (i + 1 >= args.size() || args[i + 1].empty()) return usage(a + " needs a value");
-    const std::string& v = args[++i];
-    if (a == "--device") o.device = v;
-    if (a == "--out") o.out = v;
-    if (a == "--plugin") o.plugin = v;
-    if (a == "--session") o.sessionFile = v;
-    if (a == "--primary") o.names[0] = v;
-    if (a == "--secondary") o.names[1] = v;
-  }
+  ParsedArgs a;
+  std::string error;
+  const char* const valued[] = {"--device", "--out", "--plugin", "--session", "--primary", "--secondary"};
+  if (!parseArgs(args, {std::begin(valued), std::end(valued)}, {"--fresh", "--print-session"}, a, error))
+    return usage(error);
+  if (!a.positional.empty()) return usage("unexpected argument '" + a.positional[0] + "'");
+  for (const char* name : valued)
+    if (a.has(name) && a.value(name).empty()) return usage(std::string(name) + " needs a value");
+  o.fresh = a.has("--fresh");
+  o.printSession = a.has("--print-session");
+  if (a.has("--device")) o.device = a.value("--device");
+  if (a.has("--out")) o.out = a.value("--out");
+  if (a.has("--plugin")) o.plugin = a.value("--plugin");
+  o.sessionFile = a.value("--session");
+  o.names[0] = a.value("--primary");
+  o.names[1] = a.value("--secondary");
   return kOk;
 }
 
@@ -128,29 +134,61 @@ int loadSession(const Options& o, std::vector<SessionStep>& steps) {
   return kOk;
 }
 
-// Copies the device tree into OUT/device unless an earlier run left one there.
+// simulate's own outputs: panel<P>-table<K>-<hash>.cube and report-<display name>.png.
+bool isOutputOfARun(const std::string& name) {
+  const std::string ext = lowerExtension(name);
+  return (name.rfind("panel", 0) == 0 && name.find("-table") != std::string::npos && ext == ".cube") ||
+         (name.rfind("report-", 0) == 0 && ext == ".png");
+}
+
+// Takes OUT/device when an earlier run copied it from the same device tree, unchanged since;
+// else (or with --fresh) copies the tree there. Then removes the earlier run's outputs, so what
+// this run lists is its own.
 int prepareTree(const Options& o, fs::path& root) {
   std::string error;
-  if (!fs::is_directory(o.device)) return fail(o.device.string(), "no such device tree (not a folder)");
+  if (!isFolder(o.device)) return fail(o.device.string(), "no such device tree (not a folder)");
   if (!makeFolders(o.out.string(), error)) return fail(o.out.string(), "output folder: " + error);
-  std::error_code ec;
-  // Outputs of an earlier run would be mistaken for this one's.
-  for (const auto& entry : fs::directory_iterator(o.out, ec)) {
-    const std::string name = entry.path().filename().string();
-    if (entry.path().extension() == ".cube" || (name.rfind("report-", 0) == 0 && entry.path().extension() == ".png"))
-      fs::remove(entry.path(), ec);
-  }
+  DeviceOrigin origin, earlier;
+  if (!deviceOrigin(o.device.string(), origin, error)) return fail(o.device.string(), error);
   root = o.out / "device";
-  if (o.fresh) fs::remove_all(root, ec);
-  if (!fs::exists(root)) {
-    fs::copy(o.device, root, fs::copy_options::recursive, ec);
-    if (ec) return fail(root.string(), "cannot copy the device tree there: " + ec.message());
-    printf("device tree %s copied to %s\n", o.device.lexically_normal().string().c_str(), root.string().c_str());
+  const std::string record = (o.out / kDeviceOriginFile).string();
+  const bool copied = pathExists(root.string(), error);
+  if (!error.empty()) return fail(root.string(), error);
+  if (copied && !o.fresh) {
+    if (!readDeviceOrigin(record, earlier, error))
+      return fail(record, error + ": which device tree " + root.string() +
+                              " was copied from is unknown; --fresh copies " + o.device.string() + " there");
+    if (earlier.source != origin.source)
+      return fail(o.out.string(), "holds a copy of the device tree " + earlier.source + ", not of " +
+                                      origin.source + "; --fresh starts over with it, or give another --out");
+    if (earlier.fingerprint != origin.fingerprint)
+      return fail(o.device.string(), "has changed since an earlier run copied it to " + root.string() +
+                                         "; --fresh copies it again");
+    printf("device tree %s (copied from %s by an earlier run; --fresh starts over)\n", root.string().c_str(),
+           origin.source.c_str());
   } else {
-    printf("device tree %s (from an earlier run; --fresh starts over)\n", root.string().c_str());
+    // The record goes first: a copy that fails half way must not pass for the earlier one.
+    std::error_code ec;
+    fs::remove(record, ec);
+    if (!ec) fs::remove_all(root, ec);
+    if (!ec) fs::copy(o.device, root, fs::copy_options::recursive, ec);
+    if (ec) return fail(root.string(), "cannot copy the device tree there: " + ec.message());
+    if (!writeDeviceOrigin(record, origin, error)) return fail(record, error);
+    printf("device tree %s copied to %s\n", o.device.lexically_normal().string().c_str(), root.string().c_str());
   }
+  std::vector<std::string> names;
+  if (!listFolder(o.out.string(), names, error)) return fail(o.out.string(), error);
+  size_t removed = 0;
+  for (const auto& name : names) {
+    std::error_code ec;
+    if (!isOutputOfARun(name)) continue;
+    fs::remove(o.out / name, ec);
+    if (ec) return fail((o.out / name).string(), "cannot remove an earlier run's output: " + ec.message());
+    ++removed;
+  }
+  if (removed > 0) printf("removed %zu outputs of an earlier run from %s\n", removed, o.out.string().c_str());
   // The cache folder exists on every device; a copied tree may lack it (git keeps no empty folder).
-  fs::create_directories(root / "data" / "vendor" / "display", ec);
+  if (!makeFolders((root / "data" / "vendor" / "display").string(), error)) return fail(root.string(), error);
   return kOk;
 }
 
@@ -199,8 +237,11 @@ int runSimulate(const std::vector<std::string>& args) {
   const fs::path logPath = o.out / "session.log";
   std::string error;
   if (!writeWholeFile(logPath.string(), "", error)) return fail(logPath.string(), error);
-  setenv("PANELCORVANE_ROOT", fs::absolute(root).string().c_str(), 1);
-  setenv("PANELCORVANE_LOG", fs::absolute(logPath).string().c_str(), 1);
+  std::error_code rootEc, logEc;
+  const std::string absRoot = fs::absolute(root, rootEc).string(), absLog = fs::absolute(logPath, logEc).string();
+  if (rootEc || logEc) return fail(root.string(), (rootEc ? rootEc : logEc).message());
+  setenv("PANELCORVANE_ROOT", absRoot.c_str(), 1);
+  setenv("PANELCORVANE_LOG", absLog.c_str(), 1);
   setenv("PANELCORVANE_SLEEP_SCALE", "0", 0);
 
   LogWatch log;
@@ -214,7 +255,7 @@ int runSimulate(const std::vector<std::string>& args) {
   printf("plugin %s, panels '%s' (primary) and '%s' (secondary)\n", o.plugin.string().c_str(),
          panels[0].name.c_str(), panels[1].name.c_str());
   const auto t0 = std::chrono::steady_clock::now();
-  SessionPlayer player(get, log, outputs, fs::absolute(root).string(), panels);
+  SessionPlayer player(get, log, outputs, absRoot, panels);
   player.play(steps);
   player.finish();
   const double secs = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();

@@ -58,10 +58,16 @@ bool SimulateOutputs::finish(const std::vector<PluginLogLine>& log) {
     return ok;
   }
   std::vector<PanelReport> reports;
+  std::vector<std::string> unjudged;
   std::string error;
   const std::vector<TableJob> jobs = tableJobs(log);
   pchost::setLogEcho(false);  // the report's identity check must not add to the plugin's session log
-  if (!collectDeviceReports((mOut / "device").string(), reports, error, &jobs)) {
+  const bool any = collectDeviceReports((mOut / "device").string(), reports, unjudged, error, &jobs);
+  for (const auto& u : unjudged) {
+    fprintf(stderr, "panelcorvane simulate: %s: display %s: no report page\n", (mOut / "device").c_str(), u.c_str());
+    ok = false;
+  }
+  if (!any) {
     printf("report: not drawn (%s)\n", error.c_str());
     return ok;
   }

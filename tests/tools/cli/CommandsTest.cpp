@@ -7,14 +7,18 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "backend/LutTextFile.h"
 #include "tests/tools/ToolRunner.h"
 #include "tests/tools/WorkbenchFixtures.h"
+#include "tools/cli/Command.h"
+#include "tools/lib/common/ParallelFor.h"
 #include "tools/lib/calibration/OdfWriter.h"
 #include "tools/lib/device/SyntheticDevice.h"
 #include "tools/lib/report/Report.h"
@@ -58,7 +62,10 @@ class ExitContract : public pctest::ToolRunner {
       ASSERT_EQ(run(cmd).status, 0) << cmd;
     }
     fs::remove(dir + "/Broken/odm/etc/PanelCorvane/PanelCorvane_primary_2_max.odf");
+    ASSERT_EQ(run("mkdevice Long").status, 0);  // a display name no file system can hold, beside two good ones
+    std::ofstream(dir + "/Long/odm/etc/PanelCorvane/panelcorvane", std::ios::app) << kLongName << "=0\n";
   }
+  const std::string kLongName = std::string(300, 'L');
 };
 
 TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
@@ -79,9 +86,9 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"inspect D", 1, "inspect: D: is a folder, not a file"},
       {"odf print D", 1, "odf: D: is a folder, not a file"},
       {"diff t.cube missing.cube", 1, "diff: missing.cube: no such file\n"},
-      {"odf write y.odf --ti3 missing.ti3", 1, "odf: missing.ti3: no such file\n", "y.odf"},
+      {"odf write y.odf --ti3=missing.ti3", 1, "odf: missing.ti3: no such file\n", "y.odf"},
       // Malformed inputs name their line.
-      {"export bad.cube o.txt", 1, "export: bad.cube: line 2 malformed\n", "o.txt"},
+      {"export bad.cube o.txt", 1, "export: bad.cube: line 2 malformed: want 3 numbers, found 2\n", "o.txt"},
       {"inspect huge.cube", 1, "inspect: huge.cube: line 1 unsupported: LUT_3D_SIZE 129 (2..65)\n"},
       {"apply t.cube bad.csv out.csv", 1, "apply: bad.csv: line 1 malformed: want three values r,g,b\n", "out.csv"},
       {"apply t.cube not.png out.png", 1, "apply: not.png: ", "out.png"},
@@ -116,10 +123,16 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"odf patches --ti1 no/such/folder/x.ti1", 1, "no/such/folder/x.ti1: cannot create"},
       {"verify --lot L --csv plain/x.csv", 1, "plain/x.csv: "},
       // Device trees and lots that are none.
-      {"simulate --device D --out O --session session.txt --primary Foo", 1,
+      {"simulate --device=D --out O --session session.txt --primary=Foo", 1,
        "O/device/odm/etc/PanelCorvane/panelcorvane: does not map the display name 'Foo' (it maps: "
        "PanelCorvane_primary, PanelCorvane_secondary)"},
       {"simulate --device Broken --out B --session session.txt", 1, "primary: the tables never became ready"},
+      {"simulate --device Broken --out O --session session.txt", 1, "simulate: O: holds a copy of the device tree /"},
+      // Paths a display name makes: the display named with the reason, the others still reported.
+      {"report Long -o lp", 1, "report: Long: display " + kLongName + ": its files cannot be looked at (File name too long)\n",
+       "", true},
+      {"simulate --device Long --out LO --session session.txt", 1,
+       "LO/device: display " + kLongName + ": its files cannot be looked at (File name too long): no report page", "", true},
       {"simulate --device D --out plain/sub --session session.txt", 1, "plain/sub: output folder: cannot create"},
       {"simulate --device D --out O --session D", 1, "simulate: D: is a folder, not a file"},
       {"mkdevice plain", 1, "mkdevice: plain: not a folder"},
@@ -152,14 +165,14 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
       {"verify --lot", 2, "needs at least one DIR"},
       {"verify --lot L --max-de -1", 2, "--max-de wants"},
       {"verify --lot L --xy-tolerance 0", 2, "--xy-tolerance wants"},
-      {"verify --lot L -j 0", 2, "-j wants"},
+      {"verify --lot L -j0", 2, "-j wants"},
       {"verify --lot L --bogus", 2, "unknown option --bogus"},
       // Done, with what an engineer must hear.
       {"apply t.cube c.csv out.csv --interp trilinear", 0, "wrote out.csv: 1 colours (8-bit values)"},
       {"inspect big.cube", 0, "note: resampled from 33 nodes (tetrahedral)\n"},
       {"odf write rel.odf --ti3 rel.ti3", 0, "rel.ti3: warning: no LUMINANCE_XYZ_CDM2 in the header: the XYZ values are "
                                              "taken as they are, not scaled to cd/m2\n"},
-      {"verify --lot L --png page.png", 0, "", "", true},
+      {"verify --lot L --png page.png -j1", 0, "", "", true},
       {"export big.cube hook.txt", 0, "export: big.cube: note: resampled from 33 nodes (tetrahedral)\n"},
       {"report D -o new/pages", 0, "report-PanelCorvane_secondary.png", "", true},
   };
@@ -177,9 +190,23 @@ TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
     const pctest::ToolRun r = run(std::string(cmd) + " --help");
     EXPECT_EQ(r.status, 0) << cmd;
     EXPECT_THAT(r.out, HasSubstr("exit status (the same for every command):\n  0  done")) << cmd;
+    EXPECT_THAT(r.out, HasSubstr("\n  3  internal error: ")) << cmd;
   }
   const int rc = std::system(("'" + tool + "' inspect '" + dir + "/t.cube' > /dev/full 2> /dev/null").c_str());
   EXPECT_EQ(WIFEXITED(rc) ? WEXITSTATUS(rc) : -1, 1);
+}
+
+// An exception that escapes a command, from a pool thread too, is one line and a status of its own.
+TEST(CommandGuard, AnEscapingExceptionIsOneLineNeverAnAbort) {
+  const pctool::Command boom{"boom", "", "", [](const std::vector<std::string>&) {
+                               pctool::parallelFor(8, 2, [](size_t i) {
+                                 if (i == 5) throw std::runtime_error("File name too long");
+                               });
+                               return 0;
+                             }};
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(pctool::runCommand(boom, {}), pctool::kInternal);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "panelcorvane boom: internal error: File name too long\n");
 }
 
 class WorkbenchAnswers : public pctest::ToolRunner {
@@ -210,6 +237,42 @@ TEST_F(WorkbenchAnswers, TheOpticalDataNamedIsTheOneTheTablesCameFrom) {
     EXPECT_EQ(run("report O/device -o pages").status, 0);
     EXPECT_TRUE(std::filesystem::exists(dir + "/pages/report-PanelCorvane_primary.png"));
   }
+}
+
+// An output folder answers only for the device it was copied from, as that device is now, and
+// lists only its own run's files; a cache the device's data no longer gives is named.
+TEST_F(WorkbenchAnswers, AnOutputFolderHoldsOnlyWhatThisRunAnswersFor) {
+  root.write("/frame.txt", "init primary\ninit secondary\nwait-tables primary\nwait-tables secondary\n"
+                           "frame primary 1 256\n");
+  for (const char* cmd : {"mkdevice A", "mkdevice B --seed 2", "simulate --device A --out O --session frame.txt"})
+    ASSERT_EQ(run(cmd).status, 0) << cmd;
+  EXPECT_THAT(run("simulate --device B --out O --session frame.txt").err, HasSubstr("O: holds a copy of the device tree"));
+  ASSERT_EQ(run("mkdevice A --seed 3 --force").status, 0);
+  EXPECT_THAT(run("simulate --device A --out O").err,
+              HasSubstr("A: has changed since an earlier run copied it to O/device; --fresh copies it again"));
+  fs::remove(dir + "/O/device-origin.txt");
+  EXPECT_THAT(run("simulate --device A --out O").err, HasSubstr("which device tree O/device was copied from is unknown"));
+  ToolRun r = run("simulate --device B --out O --session frame.txt --fresh");
+  ASSERT_EQ(r.status, 0) << r.err;
+  std::vector<std::string> cubes;  // A's table gone, B's named in the listing
+  for (const auto& e : fs::directory_iterator(dir + "/O"))
+    if (e.path().extension() == ".cube") cubes.push_back(e.path().filename().string());
+  ASSERT_EQ(cubes.size(), 1u);
+  EXPECT_THAT(r.out, HasSubstr("(" + cubes[0] + ")"));
+  // The plugin loads the cache whatever became of the data; the workbench says so.
+  for (const char* set : {"1_max", "2_max", "1_100nit", "2_100nit"})
+    fs::copy_file(dir + "/A/mnt/vendor/persist/display/Loading_ON_" + set + ".odf",
+                  dir + "/O/device/mnt/vendor/persist/display/Loading_ON_" + set + ".odf",
+                  fs::copy_options::overwrite_existing);
+  r = run("simulate --device B --out O --session frame.txt");
+  EXPECT_THAT(r.out, HasSubstr("tables of PanelCorvane_primary: ready (cache); optical data: local"));
+  EXPECT_THAT(r.out, HasSubstr("WARNING: PanelCorvane_primary: the cache predates the optical data or targets now in "
+                               "the device: the tables made from them differ from the cached ones by up to "));
+  EXPECT_THAT(r.out, Not(HasSubstr("WARNING: PanelCorvane_secondary")));
+  // A cache's tables are named by their mode.
+  EXPECT_THAT(run("inspect O/device/data/vendor/display/cofc.fw").out, HasSubstr("\ntable 7 LsRGB:\n"));
+  EXPECT_THAT(run("diff O/device/data/vendor/display/cofc.fw O/device/data/vendor/display/cofc2.fw --table 2").out,
+              HasSubstr("A: cofc.fw table 2 of 8 (Nature 100-nit)\n"));
 }
 
 // A panel initialised again after DeInit has no tables: the job before must not answer for it.

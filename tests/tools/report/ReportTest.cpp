@@ -57,8 +57,9 @@ class ReportPages : public ::testing::Test {
   }
   std::vector<pctool::PanelReport> collect(const std::vector<pctool::TableJob>* jobs = nullptr) {
     std::vector<pctool::PanelReport> reports;
+    std::vector<std::string> unjudged;
     std::string err;
-    EXPECT_TRUE(pctool::collectDeviceReports(root.path(), reports, err, jobs)) << err;
+    EXPECT_TRUE(pctool::collectDeviceReports(root.path(), reports, unjudged, err, jobs)) << err;
     return reports;
   }
   pctest::TempRoot root;

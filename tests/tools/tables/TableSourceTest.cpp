@@ -63,7 +63,7 @@ TEST_F(TableSource, LoadsCacheTablesAndRefusesDamage) {
   std::string err;
   ASSERT_TRUE(pctool::loadTables(put("cofc.fw", pctest::cacheImage(pctest::identityTables(8), 0, 0, 7)), t, err));
   ASSERT_EQ(t.size(), 8u);
-  EXPECT_EQ(t[5].label, "cofc.fw table 5 of 8");
+  EXPECT_EQ(t[5].label, "cofc.fw table 5 of 8 (Cinema)");  // the mode, as the table plan lays them out
   EXPECT_EQ(t[5].lut->lut3d_id, 5u);
 
   // A checksum the plugin would refuse refuses the file, whose tables inspect still shows.
@@ -145,7 +145,7 @@ TEST(TableDiff, CachesPairTableByTableAndADifferentCountIsADifference) {
   // One table of each: the cache's table 1 against the .cube's only table.
   ASSERT_TRUE(pctool::diffFiles(dir.path() + "/a.fw", dir.path() + "/one.cube", 1, 4, r, err)) << err;
   ASSERT_EQ(r.tables.size(), 1u);
-  EXPECT_EQ(r.tables[0].labelA, "a.fw table 1 of 3");
+  EXPECT_EQ(r.tables[0].labelA, "a.fw table 1 of 3 (Vivid)");
   EXPECT_THAT(r.verdict(), HasSubstr("1 of 1 table differs by up to 5 codes (tolerance 4)"));
 
   EXPECT_FALSE(pctool::diffFiles(dir.path() + "/b.fw", dir.path() + "/a.fw", 2, 0, r, err));

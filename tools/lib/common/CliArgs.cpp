@@ -32,6 +32,10 @@ bool parseArgs(const std::vector<std::string>& args, const std::set<std::string>
       name = a.substr(0, eq);
       val = a.substr(eq + 1);
       inlineValue = true;
+    } else if (a[1] != '-' && a.size() > 2 && withValue.count(a.substr(0, 2))) {
+      name = a.substr(0, 2);  // "-j4", as getopt reads a short option's value
+      val = a.substr(2);
+      inlineValue = true;
     }
     if (withValue.count(name)) {
       if (!inlineValue) {

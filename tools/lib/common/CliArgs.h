@@ -1,5 +1,6 @@
-// Minimal option parsing for the workbench commands: "--name VALUE", "--name=VALUE", flags and
-// positional arguments; "--" ends the options.
+// Minimal option parsing for the workbench commands, as getopt reads them: "--name VALUE",
+// "--name=VALUE", "-x VALUE" and "-xVALUE" for a one-letter option, flags and positional
+// arguments; "--" ends the options.
 #pragma once
 
 #include <map>

@@ -108,6 +108,27 @@ bool writeWholeFile(const std::string& path, const std::string& bytes, std::stri
   return true;
 }
 
+bool pathExists(const std::string& path, std::string& error) {
+  error.clear();
+  struct stat st;
+  if (!path.empty() && stat(path.c_str(), &st) == 0) return true;
+  if (!path.empty() && errno != ENOENT && errno != ENOTDIR) error = std::strerror(errno);
+  return false;
+}
+
+bool listFolder(const std::string& dir, std::vector<std::string>& names, std::string& error) {
+  names.clear();
+  std::error_code ec;
+  for (std::filesystem::directory_iterator it(dir, ec), end; !ec && it != end; it.increment(ec))
+    names.push_back(it->path().filename().string());
+  if (ec) {
+    error = "cannot list: " + ec.message();
+    return false;
+  }
+  std::sort(names.begin(), names.end());
+  return true;
+}
+
 bool makeFolders(const std::string& dir, std::string& error) {
   std::error_code ec;
   if (dir.empty() || std::filesystem::is_directory(dir, ec)) return true;

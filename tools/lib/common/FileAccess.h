@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace pctool {
 
@@ -26,6 +27,15 @@ bool readInputFile(const std::string& path, size_t limit, std::string& text, std
 // Writes `bytes` to `path`, created or truncated. False with a reason without the path
 // ("cannot write: No space left on device"); a regular file left half-written is removed.
 bool writeWholeFile(const std::string& path, const std::string& bytes, std::string& error);
+
+// Whether anything is at `path`. False with `error` empty when nothing is there (a missing
+// folder on the way included); false with a reason without the path when the path cannot be
+// looked at ("File name too long", "Permission denied").
+bool pathExists(const std::string& path, std::string& error);
+
+// The names of the entries of folder `dir`, sorted. False with a reason without the path
+// ("cannot list: Permission denied").
+bool listFolder(const std::string& dir, std::vector<std::string>& names, std::string& error);
 
 // Creates `dir` and its parents when missing. False with a reason without the path
 // ("cannot create the folder: Not a directory").

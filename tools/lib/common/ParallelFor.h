@@ -7,7 +7,8 @@
 
 namespace pctool {
 
-// 0 threads: one per hardware thread. Returns when every job has run; job must not throw.
+// 0 threads: one per hardware thread. Returns when every job has run; the first exception a job
+// throws stops the others taking new indexes and is thrown again here.
 void parallelFor(size_t n, unsigned threads, const std::function<void(size_t)>& job);
 
 // The thread count for a request of 0 (hardware_concurrency, at least 1).

@@ -1,20 +1,21 @@
 #include "tools/lib/device/DeviceFolder.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 
 #include "cache/Lut3DCacheManager.h"
 #include "config/Prop.h"
 #include "frontend/TablePlan.h"
 #include "tools/lib/calibration/Plausibility.h"
+#include "tools/lib/common/FileAccess.h"
 #include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/DeviceDisplays.h"
 #include "tools/lib/device/PanelTables.h"
 #include "tools/lib/device/PropertyFile.h"
+#include "tools/lib/device/StaleCache.h"
 
 namespace pctool {
 
-namespace fs = std::filesystem;
 namespace fe = postblend::fe;
 
 namespace {
@@ -23,8 +24,10 @@ void addTargets(const std::string& dir, const std::string& name, PanelReport& re
   std::string why;
   for (int file = 0; file < fe::kTargetFiles; ++file) {
     const std::string path = fe::targetPath(name, file);
-    std::error_code ec;
-    if (!fs::exists(dir + path, ec)) continue;
+    if (!pathExists(dir + path, why)) {
+      if (!why.empty()) rep.notes.push_back(path + ": " + why);
+      continue;
+    }
     ReportTarget t;
     t.path = path;
     t.mode = fe::kModeNames[file % fe::kModes];
@@ -70,7 +73,7 @@ void addOpticalData(const std::string& dir, const DataSource& source, uint32_t p
 
 // The tables the plugin runs with: its cache when it would take it, else made in memory as it
 // would make them (PanelTables.h).
-void addTables(const DisplayTables& dt, PanelReport& rep) {
+void addTables(const std::string& dir, const DisplayTables& dt, PanelReport& rep) {
   const std::string cache = postblend::Lut3DCacheManager::cachePath(dt.panel == 0 ? 0 : 1);
   if (dt.tables.empty()) {
     rep.tablesText = "tables: none (" + dt.note + ")";
@@ -80,6 +83,10 @@ void addTables(const DisplayTables& dt, PanelReport& rep) {
                                 : "tables: generated in memory as the plugin would (" +
                                       (dt.note.empty() ? cache + " not found" : dt.note) + ")";
   rep.tablesText += ", " + std::to_string(dt.tables.size()) + " tables";
+  if (dt.fromCache) {
+    const std::string stale = staleCacheNote(dir, rep.displayName, dt.panel);
+    if (!stale.empty()) rep.notes.push_back(cache + ": " + stale);
+  }
   for (uint32_t k = 0; k < dt.tables.size(); ++k) {
     ReportTable t{cacheTableName(k), std::make_shared<postblend::lut3d_info>(dt.tables[k])};
     const fe::TableInputs in = dt.inputs(static_cast<int>(k));
@@ -92,22 +99,22 @@ void addTables(const DisplayTables& dt, PanelReport& rep) {
 
 }  // namespace
 
-std::string cacheTableName(uint32_t index) {
-  std::string s = std::to_string(index) + " " + (index / 2 < fe::kModes ? fe::kModeNames[index / 2] : "table");
-  return index % 2 == 0 ? s + " 100-nit" : s;
-}
-
-bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::string& error,
-                          const std::vector<TableJob>* jobs) {
+bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::vector<std::string>& unjudged,
+                          std::string& error, const std::vector<TableJob>* jobs) {
   out.clear();
+  unjudged.clear();
   PropertyFile prop;
   if (!prop.load(dir + postblend::Prop::kPath, error)) {
     error = std::string(postblend::Prop::kPath) + ": " + error;
     return false;
   }
-  for (const auto& [name, panel] : prop.displayNames()) {
-    std::error_code ec;
-    if (!fs::exists(dir + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0), ec)) continue;
+  for (const DeviceDisplay& display : deviceDisplays(dir, prop)) {
+    if (!display.error.empty()) {
+      unjudged.push_back(display.unjudgedText());
+      continue;
+    }
+    const std::string& name = display.name;
+    const uint32_t panel = display.panel;
     PanelReport rep;
     rep.displayName = name;
     rep.panelName = name + " (panel " + std::to_string(panel) + ")";
@@ -121,8 +128,12 @@ bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out,
     rep.sourceText = "optical data: " + (dt.source < 0 ? "none the plugin can use" : source.statement());
     addTargets(dir, name, rep);
     addOpticalData(dir, source, panel, name, rep);
-    addTables(dt, rep);
+    addTables(dir, dt, rep);
     out.push_back(std::move(rep));
+  }
+  if (out.empty() && !unjudged.empty()) {
+    error = "no panel can be reported: " + unjudged.front();
+    return false;
   }
   if (out.empty()) {
     error = "no panel found (no display name of the property file has " + std::string(fe::kOdmDir) + "<name>_1_max.odf)";

@@ -15,16 +15,15 @@
 
 #include "tools/lib/device/TableJobLog.h"
 #include "tools/lib/report/PanelReport.h"
+#include "tools/lib/tables/TableIndex.h"  // cacheTableName
 
 namespace pctool {
 
-// Table name of cache index k: "0 Vivid 100-nit", "1 Vivid", ... "7 LsRGB".
-std::string cacheTableName(uint32_t index);
-
-// One report per panel found; unreadable pieces become notes on that panel's page. `jobs` (the
-// plugin's log, when there is one) says why the data came from where it did. False when the
-// folder holds no panel at all.
-bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::string& error,
-                          const std::vector<TableJob>* jobs = nullptr);
+// One report per panel found; unreadable pieces become notes on that panel's page. A display
+// whose files cannot be looked at goes to `unjudged` ("NAME: reason"), the others are still
+// reported. `jobs` (the plugin's log, when there is one) says why the data came from where it
+// did. False when the folder holds no panel that can be reported.
+bool collectDeviceReports(const std::string& dir, std::vector<PanelReport>& out, std::vector<std::string>& unjudged,
+                          std::string& error, const std::vector<TableJob>* jobs = nullptr);
 
 }  // namespace pctool

@@ -10,6 +10,7 @@
 #include "tools/lib/calibration/CalibrationFiles.h"
 #include "tools/lib/calibration/Plausibility.h"
 #include "tools/lib/tables/DeviceGrid.h"
+#include "tools/lib/tables/TableIndex.h"
 #include "tools/lib/tables/TableSource.h"
 #include "tools/lib/verify/PanelModel.h"
 #include "tools/lib/verify/Verify.h"
@@ -124,7 +125,7 @@ bool inspectCache(const std::string& path, std::string& o, std::string& error) {
   add(o, "checksum: stored 0x%08x, computed 0x%08x: %s\n", c.storedCheckSum, c.computedCheckSum,
       c.checkSumOk() ? "ok" : "MISMATCH");
   for (uint32_t k = 0; k < c.count; ++k) {
-    add(o, "table %u (%s):\n", k, k % 2 ? "full brightness" : "100 nit");
+    add(o, "table %s:\n", cacheTableName(k).c_str());
     describeTable(o, c.tables[k]);
   }
   if (!c.checkSumOk()) {

@@ -180,7 +180,7 @@ bool identityMatches(const std::string& dir, uint32_t panel) {
 }
 
 void loadDisplayTables(const std::string& dir, const PanelSwitches& sw, const std::string& name, uint32_t panel,
-                       DisplayTables& out) {
+                       DisplayTables& out, const bool* assumedMatch) {
   out = DisplayTables{};
   out.displayName = name;
   out.panel = panel;
@@ -189,11 +189,11 @@ void loadDisplayTables(const std::string& dir, const PanelSwitches& sw, const st
     out.note = "PanelCalibration is off: the plugin makes no tables";
     return;
   }
-  out.matched = identityMatches(dir, panel);
+  out.matched = assumedMatch ? *assumedMatch : identityMatches(dir, panel);
   if (out.matched) out.localFault = firstLocalFault(dir, out);
   bool read[fe::kTargetFiles] = {};
   readTargets(dir, name, sw, out.targets, read);
-  if (acceptCache(dir, sw, out.matched, out)) {
+  if (!assumedMatch && acceptCache(dir, sw, out.matched, out)) {
     // The data the cached tables came from, for the prediction.
     const fe::OdfOrigin origin = out.source == 0 ? fe::OdfOrigin::Local : fe::OdfOrigin::Golden;
     for (int k = 0; k < fe::kOdfSets; ++k)

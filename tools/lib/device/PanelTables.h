@@ -43,9 +43,11 @@ struct DisplayTables {
   std::string sourceWhy() const;
 };
 
-// The tables of display `name` (panel index `panel`) of the tree under `dir`.
+// The tables of display `name` (panel index `panel`) of the tree under `dir`. Given
+// `assumedMatch` (what the identity check gave, as a cache's source word records it), the
+// identity is not checked again and the cache not taken: the tables are generated.
 void loadDisplayTables(const std::string& dir, const postblend::PanelSwitches& sw, const std::string& name,
-                       uint32_t panel, DisplayTables& out);
+                       uint32_t panel, DisplayTables& out, const bool* assumedMatch = nullptr);
 
 // The backend's identity check on the tree's stamp file and the serial number its emulated
 // driver hands over.

@@ -118,8 +118,9 @@ bool clearDeviceTree(const std::string& dir, std::vector<std::string>* removed, 
     if (!fs::exists(fs::symlink_status(p, ec))) continue;
     size_t files = 0;
     if (fs::is_directory(fs::symlink_status(p, ec))) {
+      std::error_code entryEc;
       for (fs::recursive_directory_iterator it(p, ec), end; !ec && it != end; it.increment(ec))
-        if (!it->is_directory()) ++files;
+        if (!it->is_directory(entryEc)) ++files;
     } else {
       files = 1;
     }

@@ -10,6 +10,7 @@
 #include "tools/lib/common/ParallelFor.h"
 #include "tools/lib/common/PrintfString.h"
 #include "tools/lib/device/DataSource.h"
+#include "tools/lib/device/DeviceDisplays.h"
 #include "tools/lib/device/DeviceFolder.h"
 #include "tools/lib/device/PanelTables.h"
 #include "tools/lib/device/PropertyFile.h"
@@ -25,9 +26,9 @@ namespace fe = postblend::fe;
 constexpr const char* kPropertyFile = postblend::Prop::kPath;
 
 // Anything at the property file's place makes a tree: a broken one is reported, not skipped.
-bool isTree(const fs::path& p) {
-  std::error_code ec;
-  return fs::exists(p.string() + kPropertyFile, ec);
+bool isTree(const std::string& p) {
+  std::string why;
+  return pathExists(p + kPropertyFile, why) || !why.empty();
 }
 
 std::string folderName(const std::string& path) {
@@ -190,18 +191,14 @@ bool findLotTrees(const std::vector<std::string>& dirs, std::vector<std::string>
       continue;
     }
     // Every folder of the lot is a panel: one that cannot be read is named, not skipped.
-    std::vector<std::string> found;
+    std::vector<std::string> found, names;
     bool anyTree = false;
-    fs::directory_iterator it(dir, ec), end;
-    for (; !ec && it != end; it.increment(ec)) {
-      const std::string name = it->path().filename().string();
-      if (name.empty() || name[0] == '.' || !it->is_directory(ec)) continue;
-      found.push_back(it->path().string());
-      anyTree = anyTree || isTree(it->path());
-    }
-    if (ec) {
-      error = dir + ": cannot list the folder: " + ec.message();
-      return false;
+    if (!listFolder(dir, names, error)) return error = dir + ": " + error, false;
+    for (const auto& name : names) {
+      const std::string path = (fs::path(dir) / name).string();
+      if (name.empty() || name[0] == '.' || !fs::is_directory(path, ec)) continue;
+      found.push_back(path);
+      anyTree = anyTree || isTree(path);
     }
     if (!anyTree) {
       error = dir + ": no device tree in it (no odm/etc/PanelCorvane/panelcorvane in the folder or a sub-folder)";
@@ -229,10 +226,13 @@ LotPanelResult verifyPanel(const std::string& tree, double maxDe) {
     return r;
   }
   const postblend::PanelSwitches sw = prop.switches();
-  for (const auto& [name, panel] : prop.displayNames()) {
-    std::error_code ec;
-    if (fs::exists(tree + fe::opticalDataPath(fe::OdfOrigin::Golden, panel, name, 0), ec))
-      verifyDisplay(tree, sw, name, panel, maxDe, r);
+  for (const DeviceDisplay& d : deviceDisplays(tree, prop)) {
+    if (d.error.empty()) {
+      verifyDisplay(tree, sw, d.name, d.panel, maxDe, r);
+      continue;
+    }
+    r.modes.push_back({d.name, -1, "no tables", "", 0, 0, 0, false, d.unjudgedText()});
+    r.displays.push_back({d.name, "none", false, d.unjudgedText(), {}, false});
   }
   if (r.displays.empty())
     r.error = tree + kPropertyFile + ": no display name with golden data (<name>_1_max.odf)";

@@ -19,22 +19,54 @@ std::string trim(const std::string& s) {
   return a == std::string::npos ? "" : s.substr(a, b - a + 1);
 }
 
-// A plain non-negative decimal: digits with at most one point, no sign or exponent.
-bool plainNumber(const std::string& s, double& v) {
-  if (s.empty() || s.size() > 32 || s == ".") return false;
-  int points = 0;
-  for (char c : s) {
-    if (c == '.') ++points;
-    else if (!std::isdigit(static_cast<unsigned char>(c))) return false;
+// A decimal number, as strtod reads the whole of it; false with the fault. `signal` tells a
+// value written as a signal (a decimal point or an exponent) from a whole number.
+bool parseValue(const std::string& s, double& v, bool& signal, std::string& fault) {
+  if (s.empty() || s.size() > 32 || s.find_first_not_of("0123456789.+-eEnaifNAIFty") != std::string::npos) {
+    fault = "'" + s + "' is not a number";
+    return false;
   }
-  if (points > 1) return false;
+  char* end = nullptr;
   errno = 0;
-  v = std::strtod(s.c_str(), nullptr);
-  return errno == 0 && std::isfinite(v);
+  v = std::strtod(s.c_str(), &end);
+  if (end == s.c_str() || *end != '\0') {
+    fault = "'" + s + "' is not a number";
+    return false;
+  }
+  if (!std::isfinite(v) || errno == ERANGE) {
+    fault = "'" + s + "' is not a finite number";
+    return false;
+  }
+  signal = s.find_first_of(".eE") != std::string::npos;
+  return true;
 }
 
 std::string lineError(size_t line, const std::string& what) {
   return "line " + std::to_string(line) + " " + what;
+}
+
+// The three fields of a line; false when there are not three.
+bool splitFields(const std::string& line, std::string (&field)[3]) {
+  size_t start = 0;
+  for (int c = 0; c < 3; ++c) {
+    const size_t comma = line.find(',', start);
+    if ((c < 2) != (comma != std::string::npos)) return false;
+    field[c] = trim(line.substr(start, c < 2 ? comma - start : std::string::npos));
+    start = comma + 1;
+  }
+  return true;
+}
+
+// A header names its columns: a first line none of whose fields is a number.
+bool isHeader(const std::string& line) {
+  std::string field[3];
+  if (!splitFields(line, field)) return std::isalpha(static_cast<unsigned char>(line[0])) || line[0] == '"';
+  for (const auto& f : field) {
+    char* end = nullptr;
+    std::strtod(f.c_str(), &end);
+    if (!f.empty() && *end == '\0') return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -53,29 +85,46 @@ bool ColourCsv::parse(const std::string& text, ColourList& out, std::string& err
   std::string line;
   error.clear();
   bool seenContent = false;
+  // The first value that only one scale can hold decides the list's: a signal (decimal point or
+  // exponent) or a whole number above 1.
+  size_t decidedAt = 0;
+  std::string decidedBy;
   while (lines.next(line, error)) {
     const size_t lineNo = lines.lineNo();
     line = trim(line);
     if (line.empty() || line[0] == '#') continue;
     const bool first = !seenContent;
     seenContent = true;
-    // A header names its columns: the first line is one when it starts with a name.
-    if (first && (std::isalpha(static_cast<unsigned char>(line[0])) || line[0] == '"')) continue;
+    if (first && isHeader(line)) continue;
     ColourRow row{lineNo, {}, {}};
-    size_t start = 0;
+    if (!splitFields(line, row.text)) {
+      error = lineError(lineNo, "malformed: want three values r,g,b");
+      return false;
+    }
     for (int c = 0; c < 3; ++c) {
-      size_t comma = line.find(',', start);
-      if ((c < 2) != (comma != std::string::npos)) {
-        error = lineError(lineNo, "malformed: want three values r,g,b");
+      bool signal = false;
+      std::string fault;
+      double& v = row.value[c];
+      if (!parseValue(row.text[c], v, signal, fault)) {
+        error = lineError(lineNo, "malformed: " + fault);
         return false;
       }
-      row.text[c] = trim(line.substr(start, c < 2 ? comma - start : std::string::npos));
-      if (!plainNumber(row.text[c], row.value[c])) {
-        error = lineError(lineNo, "malformed: '" + row.text[c] + "' is not a number");
+      if (decidedAt == 0 && (signal || v > 1.0)) {
+        decidedAt = lineNo;
+        decidedBy = row.text[c];
+        out.fractions = signal;
+      }
+      if (signal && !out.fractions) {
+        error = lineError(lineNo, "malformed: " + row.text[c] + " is written as a signal 0..1, but the 8-bit value " +
+                                      decidedBy + " on line " + std::to_string(decidedAt) +
+                                      " makes this a list of 8-bit values");
         return false;
       }
-      if (row.text[c].find('.') != std::string::npos) out.fractions = true;
-      start = comma + 1;
+      if (v < 0.0 || (out.fractions ? v > 1.0 : (v > 255.0 || v != std::floor(v)))) {
+        error = lineError(lineNo, "out of range: " + row.text[c] +
+                                      (out.fractions ? " (signals are 0..1)" : " (8-bit values are 0..255)"));
+        return false;
+      }
     }
     if (out.rows.size() >= kMaxRows) {
       error = lineError(lineNo, "more than " + std::to_string(kMaxRows) + " colours");
@@ -84,17 +133,13 @@ bool ColourCsv::parse(const std::string& text, ColourList& out, std::string& err
     out.rows.push_back(row);
   }
   if (!error.empty()) return false;
-  // The scale is the file's, decided once all of it is read.
-  for (auto& row : out.rows)
-    for (int c = 0; c < 3; ++c) {
-      double& v = row.value[c];
-      if (out.fractions ? v > 1.0 : (v > 255.0 || v != std::floor(v))) {
-        error = lineError(row.line, "out of range: " + row.text[c] +
-                                        (out.fractions ? " (signals are 0..1)" : " (8-bit values are 0..255)"));
-        return false;
-      }
-      if (!out.fractions) v /= 255.0;
-    }
+  if (out.rows.empty()) {
+    error = "no colour in the list (want lines r,g,b after an optional header)";
+    return false;
+  }
+  if (!out.fractions)
+    for (auto& row : out.rows)
+      for (double& v : row.value) v /= 255.0;
   return true;
 }
 

@@ -1,6 +1,8 @@
 // Lists of colours to put through a table: CSV lines "r,g,b", 8-bit values 0..255, or signals
-// 0..1 when any value in the file has a decimal point. An optional header line comes first;
-// blank lines and lines starting with '#' are skipped.
+// 0..1. The first value only one scale holds decides the list's (a decimal point or an exponent
+// makes a signal, a whole number above 1 an 8-bit value); a value of the other scale after it is
+// refused on its own line. An optional header line (no field a number) comes first; blank lines
+// and lines starting with '#' are skipped. A list without a colour is refused.
 #pragma once
 
 #include <cstddef>

@@ -24,20 +24,32 @@ std::string lineError(size_t line, const std::string& what) {
   return "line " + std::to_string(line) + " " + what;
 }
 
-// Reads exactly `count` finite numbers from `s` with nothing after them.
-bool parseNumbers(const char* s, double* out, int count) {
-  for (int i = 0; i < count; ++i) {
+// Reads exactly `count` finite numbers from `s` with nothing after them; false with the fault.
+bool parseNumbers(const char* s, double* out, int count, std::string& why) {
+  int found = 0;
+  for (;;) {
+    while (*s == ' ' || *s == '\t') ++s;
+    if (*s == '\0') break;
+    const char* tokEnd = s + std::strcspn(s, " \t");
+    const std::string tok(s, tokEnd);
     char* end = nullptr;
     errno = 0;
-    double v = std::strtod(s, &end);
-    if (end == s || errno == ERANGE || !std::isfinite(v)) return false;
-    // A number must be followed by a blank or the end of the line.
-    if (*end != '\0' && *end != ' ' && *end != '\t') return false;
-    out[i] = v;
-    s = end;
+    const double v = std::strtod(tok.c_str(), &end);
+    if (end == tok.c_str() || *end != '\0') {
+      why = "'" + tok + "' is not a number" +
+            (tok.find(',') != std::string::npos ? " (values are separated by blanks, not commas)" : "");
+      return false;
+    }
+    if (errno == ERANGE || !std::isfinite(v)) {
+      why = "'" + tok + "' is not a finite number";
+      return false;
+    }
+    if (found < count) out[found] = v;
+    ++found;
+    s = tokEnd;
   }
-  while (*s == ' ' || *s == '\t') ++s;
-  return *s == '\0';
+  if (found != count) why = "want " + std::to_string(count) + " numbers, found " + std::to_string(found);
+  return found == count;
 }
 
 std::string cleanTitle(const std::string& t) {
@@ -133,7 +145,8 @@ class CubeParser {
     if (kw == "DOMAIN_MIN" || kw == "DOMAIN_MAX") return domain(kw, arg);
     if (kw == "LUT_3D_INPUT_RANGE" || kw == "LUT_1D_INPUT_RANGE") {
       double v[2];
-      if (!parseNumbers(arg, v, 2)) return failAt("malformed");
+      std::string why;
+      if (!parseNumbers(arg, v, 2, why)) return failAt("malformed: " + kw + " " + why);
       if (v[0] != 0.0 || v[1] != 1.0) return failAt("unsupported: " + kw + " must be 0 1");
       return true;
     }
@@ -162,7 +175,7 @@ class CubeParser {
     errno = 0;
     long n = std::strtol(arg, &e, 10);
     while (e && (*e == ' ' || *e == '\t')) ++e;
-    if (e == arg || *e != '\0' || errno == ERANGE) return failAt("malformed");
+    if (e == arg || *e != '\0' || errno == ERANGE) return failAt("malformed: " + kw + " wants a whole number");
     const long most = dims == 3 ? kMax3dSize : kMax1dSize;
     if (n < static_cast<long>(kMinCubeSize) || n > most)
       return failAt("unsupported: " + kw + " " + std::to_string(n) + " (" +
@@ -180,7 +193,8 @@ class CubeParser {
     if (seen) return failAt("malformed: second " + kw);
     seen = true;
     double v[3];
-    if (!parseNumbers(arg, v, 3)) return failAt("malformed");
+    std::string why;
+    if (!parseNumbers(arg, v, 3, why)) return failAt("malformed: " + kw + " " + why);
     const double want = isMin ? 0.0 : 1.0;
     if (v[0] != want || v[1] != want || v[2] != want)
       return failAt(std::string("unsupported: ") + kw + " must be " + (isMin ? "0 0 0" : "1 1 1"));
@@ -192,7 +206,8 @@ class CubeParser {
     if (rows_ >= expected_)
       return failAt("malformed: more than " + std::to_string(expected_) + " table lines");
     double v[3];
-    if (!parseNumbers(s, v, 3)) return failAt("malformed");
+    std::string why;
+    if (!parseNumbers(s, v, 3, why)) return failAt("malformed: " + why);
     ++rows_;
     for (double x : v) {
       if (x < 0.0 || x > 1.0) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "tools/lib/tables/DeviceGrid.h"
 
@@ -49,19 +50,26 @@ uint8_t codeTo8(double code) {
   return static_cast<uint8_t>(std::clamp(v, 0.0, 255.0));
 }
 
-void applyLut8(const lut3d_info& lut, const uint8_t* in, uint8_t* out, size_t pixels, Interp interp,
-               NodeGrid grid) {
-  for (size_t i = 0; i < pixels; ++i, in += 3, out += 3) {
-    Rgb o = sampleLut(lut, Rgb{in[0] / 255.0, in[1] / 255.0, in[2] / 255.0}, interp, grid);
-    out[0] = codeTo8(o.r);
-    out[1] = codeTo8(o.g);
-    out[2] = codeTo8(o.b);
+size_t applyLutToImage(const lut3d_info& lut, Image& img, ImageConversion& conversion, Interp interp,
+                       NodeGrid grid) {
+  const double max = img.maxValue();
+  const size_t ch = static_cast<size_t>(img.channels);
+  std::vector<double> row(size_t(img.width) * 3);
+  size_t outside = 0;
+  for (uint32_t y = 0; y < img.height; ++y) {
+    uint16_t* px = img.samples.data() + size_t(y) * img.width * ch;
+    for (size_t x = 0; x < img.width; ++x)
+      for (size_t c = 0; c < 3; ++c) row[3 * x + c] = px[ch * x + c] / max;
+    outside += conversion.convert(row.data(), img.width);
+    for (size_t x = 0; x < img.width; ++x, px += ch) {
+      const Rgb o = sampleLut(lut, Rgb{row[3 * x], row[3 * x + 1], row[3 * x + 2]}, interp, grid);
+      const double code[3] = {o.r, o.g, o.b};
+      for (int c = 0; c < 3; ++c)
+        px[c] = img.depth == 16 ? uint16_t(std::lround(std::clamp(std::round(code[c]), 0.0, kFullScale) * 65535 / kFullScale))
+                                : codeTo8(code[c]);
+    }
   }
-}
-
-void applyLutInPlace(const lut3d_info& lut, uint8_t* px, size_t pixels, int channels, Interp interp,
-                     NodeGrid grid) {
-  for (size_t i = 0; i < pixels; ++i, px += channels) applyLut8(lut, px, px, 1, interp, grid);
+  return outside;
 }
 
 }  // namespace pctool

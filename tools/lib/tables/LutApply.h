@@ -6,6 +6,8 @@
 
 #include "postblend/color_records.h"
 #include "tools/lib/tables/CellInterp.h"
+#include "tools/lib/tables/ImageColour.h"
+#include "tools/lib/tables/PngImage.h"
 
 namespace pctool {
 
@@ -25,14 +27,12 @@ Rgb sampleLut(const postblend::lut3d_info& lut, const Rgb& in01, Interp interp, 
 // A 12-bit output code (not rounded) as an 8-bit value: code / 4095 rescaled to 255, rounded.
 uint8_t codeTo8(double code);
 
-// Applies the table in place to `pixels` pixels of `channels` (3 or 4) bytes each; a fourth
-// channel (alpha) is left as it is.
-void applyLutInPlace(const postblend::lut3d_info& lut, uint8_t* px, size_t pixels, int channels,
-                     Interp interp, NodeGrid grid);
-
-// Applies the table to `pixels` packed 8-bit RGB triples; 8-bit v stands for v / 255, and the
-// output is the code / 4095 rescaled to 255 and rounded.
-void applyLut8(const postblend::lut3d_info& lut, const uint8_t* in, uint8_t* out, size_t pixels,
-               Interp interp, NodeGrid grid);
+// Puts an image through the table: its RGB samples as signals (sample / 255 or / 65535),
+// through `conversion` to the table's input space, then the table. Outputs at the image's depth:
+// 8-bit the code rescaled to 255 and rounded; 16-bit the 12-bit code, rounded, rescaled to 65535
+// (round(v * 4095 / 65535) gives the code back). Alpha is left as it is. Returns how many pixels
+// the conversion put outside the table's input range (the table clamps them).
+size_t applyLutToImage(const postblend::lut3d_info& lut, Image& img, ImageConversion& conversion, Interp interp,
+                       NodeGrid grid);
 
 }  // namespace pctool

@@ -11,6 +11,7 @@
 #include "tools/lib/calibration/CalibrationFiles.h"
 #include "tools/lib/common/FileAccess.h"
 #include "tools/lib/tables/DeviceGrid.h"
+#include "tools/lib/tables/TableIndex.h"
 
 namespace pctool {
 
@@ -179,7 +180,8 @@ bool loadTables(const std::string& path, std::vector<LoadedTable>& out, std::str
       for (uint32_t k = 0; k < cache.count; ++k) {
         LoadedTable t;
         t.kind = kind;
-        t.label = name + " table " + std::to_string(k) + " of " + std::to_string(cache.count);
+        t.label = name + " table " + std::to_string(k) + " of " + std::to_string(cache.count) + " (" +
+                  tableModeName(k) + ")";
         t.lut = std::make_shared<lut3d_info>(cache.tables[k]);
         out.push_back(std::move(t));
       }

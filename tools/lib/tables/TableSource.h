@@ -56,7 +56,7 @@ bool readLutText(const std::string& path, postblend::lut3d_info& lut, uint32_t l
 
 struct LoadedTable {
   FileKind kind = FileKind::Unknown;
-  std::string label;  // e.g. "cofc.fw table 3 of 8"
+  std::string label;  // e.g. "cofc.fw table 3 of 8 (Nature)": a cache's table names its mode
   std::shared_ptr<postblend::lut3d_info> lut;
   std::vector<std::string> notes;  // warnings that do not stop the load
 };
