@@ -231,8 +231,16 @@ LotPanelResult verifyPanel(const std::string& tree, double maxDe) {
       verifyDisplay(tree, sw, d.name, d.panel, maxDe, r);
       continue;
     }
-    r.modes.push_back({d.name, -1, "no tables", "", 0, 0, 0, false, d.unjudgedText()});
-    r.displays.push_back({d.name, "none", false, d.unjudgedText(), {}, false});
+    LotMode m;
+    m.display = d.name;
+    m.mode = "no tables";
+    m.note = d.unjudgedText();
+    r.modes.push_back(m);
+    LotDisplay display;
+    display.name = d.name;
+    display.source = "none";
+    display.note = d.unjudgedText();
+    r.displays.push_back(display);
   }
   if (r.displays.empty())
     r.error = tree + kPropertyFile + ": no display name with golden data (<name>_1_max.odf)";
