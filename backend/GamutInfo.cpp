@@ -56,14 +56,14 @@ bool PanelCorvaneBE::fillGamutInfo(lut3d_info* target, int mode) {
   return fillGamutInfo(target, mode, Lut3DCacheManager::buildAreaTables(panelIndex()));
 }
 
-namespace {
-// Under the hardened switch: whether a table may go to the hardware, saying once why not.
-bool mayHand(const char* fn, TableVerdict verdict, int mode) {
-  if (verdict == TableVerdict::kSound) return true;
-  noticeUnsoundTable(fn, verdict, mode);
-  return false;
+bool PanelCorvaneBE::mayHand(const char* fn, TableVerdict verdict, int mode) {
+  if (verdict == TableVerdict::kCodeBeyondRange && hardenedFirst(HardenedCause::kCodeBeyondRange)) {
+    PC_LOGE_AS(fn, "hardened: table of mode %d has a code above 4095, not applied\n", mode);
+  } else if (verdict == TableVerdict::kAllZero && hardenedFirst(HardenedCause::kAllZero)) {
+    PC_LOGE_AS(fn, "hardened: table of mode %d is all zero, not applied\n", mode);
+  }
+  return verdict == TableVerdict::kSound;
 }
-}  // namespace
 
 bool PanelCorvaneBE::fillGamutInfo(lut3d_info* target, int mode, const FrameTables& tables) {
   if (target == nullptr) return false;

@@ -53,6 +53,9 @@ class PanelCorvaneBE : public PanelCorvaneBase {
   int calLut3d(int mode, int brightness);
   int calLut3d(int mode, int brightness, const FrameTables& tables);
   int calLut3dDelta();
+  // Hardened: whether a table of this verdict may go to the hardware, logging once per cause
+  // (as `fn`) why not.
+  static bool mayHand(const char* fn, TableVerdict verdict, int mode);
   // A gamut record for a payload without a gamut asset, and the debug table's read buffer:
   // made with the backend, so that a frame allocates neither.
   GamutConfig& scratchGamut();

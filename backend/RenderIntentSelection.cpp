@@ -193,11 +193,7 @@ bool applyDebugTable(PanelCorvaneBE& be, Slots& slots) {
       }
       return false;
     }
-    const TableVerdict verdict = tableVerdict(lut);
-    if (verdict != TableVerdict::kSound) {
-      noticeUnsoundTable(kFn, verdict, kModeDebugFile);
-      return false;
-    }
+    if (!PanelCorvaneBE::mayHand(kFn, tableVerdict(lut), kModeDebugFile)) return false;
   }
 
   GamutConfig* target = gamutTarget(be, slots);

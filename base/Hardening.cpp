@@ -1,11 +1,8 @@
-#define LOG_TAG "PanelCorvane"
-
 #include "base/Hardening.h"
 
 #include <atomic>
 
 #include "base/LutGrid.h"
-#include "base/Log.h"
 
 namespace postblend {
 
@@ -30,14 +27,6 @@ TableVerdict tableVerdict(const lut3d_info& table) {
   }
   if (((any | outputs) & ~kLutMaxCode) != 0) return TableVerdict::kCodeBeyondRange;
   return outputs == 0 ? TableVerdict::kAllZero : TableVerdict::kSound;
-}
-
-void noticeUnsoundTable(const char* fn, TableVerdict verdict, int mode) {
-  if (verdict == TableVerdict::kCodeBeyondRange && hardenedFirst(HardenedCause::kCodeBeyondRange)) {
-    PC_LOGE_AS(fn, "hardened: table of mode %d has a code above 4095, not applied\n", mode);
-  } else if (verdict == TableVerdict::kAllZero && hardenedFirst(HardenedCause::kAllZero)) {
-    PC_LOGE_AS(fn, "hardened: table of mode %d is all zero, not applied\n", mode);
-  }
 }
 
 }  // namespace postblend

@@ -36,7 +36,4 @@ enum class TableVerdict : uint8_t { kSound, kCodeBeyondRange, kAllZero };
 // Every code of every entry (inputs and outputs) within 0..4095, and not every output zero.
 TableVerdict tableVerdict(const lut3d_info& table);
 
-// Logs, once per cause, why a table was not handed; `fn` names the caller in the line.
-void noticeUnsoundTable(const char* fn, TableVerdict verdict, int mode);
-
 }  // namespace postblend
