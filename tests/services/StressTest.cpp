@@ -8,6 +8,7 @@
 // PC_STRESS_CYCLES (folds) size it; the defaults keep a sanitizer run short.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <thread>
 
 #include "tests/services/TwoPanelRig.h"
@@ -26,12 +27,13 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
   const int rounds = pctest::envCount("PC_STRESS_ROUNDS", 1500);
   const int cycles = pctest::envCount("PC_STRESS_CYCLES", 30);
   const int intents[] = {1, 256, 258, 303};
-  std::atomic<int> badFrames{0}, tablesSeen{0}, notReady{0};
+  std::atomic<int> frames{0}, badFrames{0}, tablesSeen{0}, notReady{0};
   std::atomic<bool> folding{true};
   std::atomic<int> binders{2};  // frames go on until the binder threads are through
   // `hadTable`: the object got a table since its last Init.
   auto send = [&](PanelCorvane* panel, int intent, bool& hadTable) {
     const int got = frame(panel, intent);
+    ++frames;
     badFrames += got < 0 ? 1 : 0;
     tablesSeen += got > 0 ? 1 : 0;
     notReady += got == 0 && hadTable ? 1 : 0;
@@ -88,6 +90,8 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
 
   EXPECT_EQ(badFrames, 0) << "of " << tablesSeen << " tables received";
   EXPECT_EQ(notReady, 0) << "frames without a table after their object had one";
+  std::printf("storm: %d frames, %d with a table, %d without one after their object had one\n",
+              frames.load(), tablesSeen.load(), notReady.load());
   // Each regeneration's lines stay together: its name line is followed by its own outcome.
   int open = 0, interleaved = 0;
   for (const auto& l : log.lines()) {
