@@ -45,34 +45,28 @@ class HardenedTablesTest : public pctest::CoreTest {
 TEST_F(HardenedTablesTest, WhatIsNotATableNeverReachesTheHardware) {
   writeHardenedDevice();
   const std::string odm = "/odm/etc/PanelCorvane/";
+  // The fault (a file written under odm/etc/PanelCorvane first, if any), the mode and level of
+  // the frame, whether a sound table reaches the record (else it stays as it was), the notice.
   const struct {
-    const char* fault;
-    const char* file;  // written under odm/etc/PanelCorvane before the frame, if any
+    const char* file;
     std::string text;
     int mode;
     uint32_t level;
-    bool handed;       // a sound table reached the record; else the record is as it was
-    const char* line;  // the notice, once per cause
+    bool handed;
+    const char* line;
   } rows[] = {
-      {"hook file missing: an all-zero table", nullptr, "", 305, 0, false,
-       "hardened: hook table 305 missing or short, not applied"},
-      {"hook file short", "3D-Lut_Center_P3.txt", "1 2 3", 306, 0, false,
-       "hardened: hook table 306 missing or short, not applied"},
-      {"hook table all zero", "3D-Lut_Enhance_sRGB.txt", lutText(0, 0), 307, 0, false,
-       "hardened: table of mode 307 is all zero, not applied"},
-      {"hook code above 4095", "3D-Lut_Enhance_P3.txt", lutText(100, 4096), 308, 0, false,
-       "hardened: table of mode 308 has a code above 4095, not applied"},
-      {"debug table short", "Lut3D.txt", "1 2 3", 50, 0, false,
-       "hardened: debug table short, not applied"},
-      {"level above 8191 extrapolates", nullptr, "", 3, 20000, true,
-       "hardened: level 20000 clamped to 8191"},
-      {"level below 0 wraps", nullptr, "", 3, static_cast<uint32_t>(-4000), true,
-       "hardened: level -4000 clamped to 0"},
+      {nullptr, "", 305, 0, false, "hook table 305 missing or short, not applied"},
+      {"3D-Lut_Center_P3.txt", "1 2 3", 306, 0, false, "hook table 306 missing or short"},
+      {"3D-Lut_Enhance_sRGB.txt", lutText(0, 0), 307, 0, false, "mode 307 is all zero"},
+      {"3D-Lut_Enhance_P3.txt", lutText(100, 4096), 308, 0, false, "mode 308 has a code above"},
+      {"Lut3D.txt", "1 2 3", 50, 0, false, "debug table short, not applied"},
+      {nullptr, "", 3, 20000, true, "level 20000 clamped to 8191"},  // extrapolated
+      {nullptr, "", 3, static_cast<uint32_t>(-4000), true, "level -4000 clamped to 0"},  // wrapped
   };
   PanelCorvane* p = start();
   ASSERT_TRUE(p->tablesReady());
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.fault);
+    SCOPED_TRACE(row.line);
     postblend::resetHardenedNotices();
     if (row.file != nullptr) root.write(odm + row.file, row.text);
     B::sBrightness = row.level;
