@@ -28,11 +28,11 @@ constexpr uint32_t kHookLutIdBase = 300;
 
 int PanelCorvaneBE::init3dlutByTxt(int hookIndex) {
   if (hookIndex < 0 || hookIndex >= kNumHooks) return -1;
-  if (mHookLut[hookIndex]) return 0;
+  if (mHookFilled[hookIndex]) return 0;
 
   // Kept even when the file is missing: later calls use the header-only table. By design.
-  mHookLut[hookIndex].reset(new lut3d_info());
-  lut3d_info& lut = *mHookLut[hookIndex];
+  mHookFilled[hookIndex] = true;
+  lut3d_info& lut = mHookLut[hookIndex];
   lut.flags = 0;
   lut.lut3d_id = kHookLutIdBase + static_cast<uint32_t>(hookIndex);
   lut.uniform = 1;
@@ -45,27 +45,58 @@ int PanelCorvaneBE::init3dlutByTxt(int hookIndex) {
     PC_LOGE("fail to open output file!\n");
     return -1;
   }
-  LutTextFile::read(in, &lut);  // a short file leaves the rest zero; not reported
+  // A short file leaves the rest zero; not reported.
+  mHookWhole[hookIndex] = LutTextFile::read(in, &lut) == LutTextFile::kValueCount;
   fclose(in);
+  mHookVerdict[hookIndex] = tableVerdict(lut);
   return 0;
 }
 
-void PanelCorvaneBE::fillGamutInfo(lut3d_info* target, int mode) {
-  if (target == nullptr) return;
+bool PanelCorvaneBE::fillGamutInfo(lut3d_info* target, int mode) {
+  return fillGamutInfo(target, mode, Lut3DCacheManager::buildAreaTables(panelIndex()));
+}
+
+bool PanelCorvaneBE::mayHand(const char* fn, TableVerdict verdict, int mode) {
+  if (verdict == TableVerdict::kCodeBeyondRange && hardenedFirst(HardenedCause::kCodeBeyondRange)) {
+    PC_LOGE_AS(fn, "hardened: table of mode %d has a code above 4095, not applied\n", mode);
+  } else if (verdict == TableVerdict::kAllZero && hardenedFirst(HardenedCause::kAllZero)) {
+    PC_LOGE_AS(fn, "hardened: table of mode %d is all zero, not applied\n", mode);
+  }
+  return verdict == TableVerdict::kSound;
+}
+
+bool PanelCorvaneBE::fillGamutInfo(lut3d_info* target, int mode, const FrameTables& tables) {
+  if (target == nullptr) return false;
+  const bool strict = hardened();
   const int hook = mode - kHookModeFirst;
-  if (hook >= 0 && hook < kNumHooks && init3dlutByTxt(hook) == 0) {
-    if (dbgOn(kDbgVerbose)) PC_LOGD("isLut3dHook %d\n", mode);
-    std::memcpy(target, mHookLut[hook].get(), sizeof(lut3d_info));
-    return;
+  if (hook >= 0 && hook < kNumHooks) {
+    const bool read = init3dlutByTxt(hook) == 0;  // the file is looked at once, on first use
+    if (strict && !mHookWhole[hook]) {
+      if (hardenedFirst(HardenedCause::kUnreadTable)) {
+        PC_LOGE("hardened: hook table %d missing or short, not applied\n", mode);
+      }
+      return false;
+    }
+    if (read) {
+      if (strict && !mayHand(__func__, mHookVerdict[hook], mode)) return false;
+      if (dbgOn(kDbgVerbose)) PC_LOGD("isLut3dHook %d\n", mode);
+      std::memcpy(target, &mHookLut[hook], sizeof(lut3d_info));
+      return true;
+    }
   }
   // A hook whose file is missing lands here with its own mode number as the index.
-  lut3d_info* luts = nullptr;
-  const int count = Lut3DCacheManager::getLutArrayPointer(panelIndex(), &luts);
-  if (mode < 0 || mode >= count || luts == nullptr) {
+  const int count = tables.present ? static_cast<int>(tables.slots) : 0;
+  if (mode < 0 || mode >= count || tables.table[mode] == nullptr) {
     PC_LOGE("GAMUT INFO is NULL.\n");
-    return;
+    return false;
   }
-  std::memcpy(target, &luts[mode], sizeof(lut3d_info));
+  const lut3d_info& source = *tables.table[mode];
+  if (strict) {
+    const bool judged = ((tables.judged >> mode) & 1) != 0;
+    if (!mayHand(__func__, judged ? tables.verdict[mode] : tableVerdict(source), mode)) return false;
+  }
+  std::memcpy(target, &source, sizeof(lut3d_info));
+  return true;
 }
 
 int PanelCorvaneBE::loadCfgFile(bool matched) {
@@ -82,8 +113,12 @@ int PanelCorvaneBE::loadCfgFile(bool matched) {
 }
 
 int PanelCorvaneBE::calLut3d(int mode, int brightness) {
+  return calLut3d(mode, brightness, Lut3DCacheManager::buildAreaTables(panelIndex()));
+}
+
+int PanelCorvaneBE::calLut3d(int mode, int brightness, const FrameTables& tables) {
   Lut3DCacheManager::calLut3d(panelIndex(), static_cast<unsigned>(mode),
-                              static_cast<unsigned>(brightness));
+                              static_cast<unsigned>(brightness), tables);
   return 0;
 }
 

@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <memory>
 
+#include "base/Hardening.h"
 #include "base/PanelCorvaneBase.h"
+#include "cache/TableSet.h"
 #include "postblend/color_records.h"
 #include "postblend/post_blend_interface.h"
 
@@ -28,8 +30,11 @@ class PanelCorvaneBE : public PanelCorvaneBase {
 
   void dump() override;
 
-  // Mode selection on the output payload (op 0).
+  // Mode selection on the output payload (op 0), copying from `tables`; the first form copies
+  // from the panel's build area (single-threaded callers).
   int ProcessModeRenderIntent(const ScPayload& input, ScPayload* output, int mode);
+  int ProcessModeRenderIntent(const ScPayload& input, ScPayload* output, int mode,
+                              const FrameTables& tables);
 
   // Panel identity. Every buffer is kTextBufSize characters.
   bool isPaneIdMatched();
@@ -40,10 +45,21 @@ class PanelCorvaneBE : public PanelCorvaneBase {
 
   // Table sources.
   int init3dlutByTxt(int hookIndex);
-  void fillGamutInfo(lut3d_info* target, int mode);
+  // Copies the mode's table into `target`; false when nothing was copied. Under the hardened
+  // switch a table that fails its rules is not copied either (base/Hardening.h).
+  bool fillGamutInfo(lut3d_info* target, int mode);
+  bool fillGamutInfo(lut3d_info* target, int mode, const FrameTables& tables);
   int loadCfgFile(bool matched);
   int calLut3d(int mode, int brightness);
+  int calLut3d(int mode, int brightness, const FrameTables& tables);
   int calLut3dDelta();
+  // Hardened: whether a table of this verdict may go to the hardware, logging once per cause
+  // (as `fn`) why not.
+  static bool mayHand(const char* fn, TableVerdict verdict, int mode);
+  // A gamut record for a payload without a gamut asset, and the debug table's read buffer:
+  // made with the backend, so that a frame allocates neither.
+  GamutConfig& scratchGamut();
+  lut3d_info& debugTable() { return *mDebugLut; }
 
   // Property switches of the output assets, read once per process; -1 = not read yet.
   static std::atomic<int> sGCDisable;
@@ -60,7 +76,14 @@ class PanelCorvaneBE : public PanelCorvaneBase {
   const char* displayName() const;
 
   PanelCorvaneBase* mOwner;
-  std::unique_ptr<lut3d_info> mHookLut[kNumHooks];
+  // The hook tables, colour manager's thread only. Storage made with the backend; a slot is
+  // filled (its file read, or found missing) on its first use and kept.
+  std::unique_ptr<lut3d_info[]> mHookLut;
+  bool mHookFilled[kNumHooks] = {};
+  bool mHookWhole[kNumHooks] = {};  // the file held all 29478 numbers
+  TableVerdict mHookVerdict[kNumHooks] = {};
+  std::unique_ptr<GamutConfig> mScratchGamut;
+  std::unique_ptr<lut3d_info> mDebugLut;
 };
 
 }  // namespace postblend

@@ -15,6 +15,7 @@
 #include "base/DeviceIo.h"
 #include "base/Log.h"
 #include "base/Trace.h"
+#include "cache/Lut3DCacheManager.h"
 #include "config/Prop.h"
 
 namespace postblend {
@@ -127,8 +128,14 @@ void disableIf(HwConfigPayload* asset, const std::atomic<int>& sw) {
   if (asset != nullptr && sw.load(std::memory_order_relaxed) == 1) asset->enabled = false;
 }
 
+// Without a gamut asset the table still goes somewhere, but the payload is not extended.
+GamutConfig* gamutTarget(PanelCorvaneBE& be, Slots& slots) {
+  // The asset's name fixes its record type.
+  return slots[kGamut] != nullptr ? static_cast<GamutConfig*>(slots[kGamut]) : &be.scratchGamut();
+}
+
 // Ordinary tables, hook tables and 309/310.
-void applyTable(PanelCorvaneBE& be, Slots& slots, int mode) {
+void applyTable(PanelCorvaneBE& be, Slots& slots, int mode, const FrameTables& tables) {
   readSwitchesOnce();
   disableIf(slots[kGC], PanelCorvaneBE::sGCDisable);
   disableIf(slots[kIGC], PanelCorvaneBE::sIGCDisable);
@@ -149,17 +156,9 @@ void applyTable(PanelCorvaneBE& be, Slots& slots, int mode) {
     return;
   }
 
-  // Without a gamut asset the table still goes somewhere, but the payload is not extended.
-  std::unique_ptr<GamutConfig> scratch;
-  GamutConfig* target = nullptr;
-  if (slots[kGamut] != nullptr) {
-    target = static_cast<GamutConfig*>(slots[kGamut]);  // the asset's name fixes its record type
-  } else {
-    scratch.reset(new GamutConfig());
-    target = scratch.get();
-  }
-  be.fillGamutInfo(&target->gamut_info, mode);
-  target->enabled = true;
+  GamutConfig* target = gamutTarget(be, slots);
+  // Hardened, a record that got no table keeps what it holds, its switch included.
+  if (be.fillGamutInfo(&target->gamut_info, mode, tables) || !hardened()) target->enabled = true;
   if (dbgOn(kDbgVerbose)) {
     // "%D" is no conversion but part of the line; the platform's printf decides what it shows.
 #pragma GCC diagnostic push
@@ -173,31 +172,33 @@ void applyTable(PanelCorvaneBE& be, Slots& slots, int mode) {
 }
 
 // Mode 50: the whole table from the debug file, read on every call; false if it is missing.
-bool applyDebugTable(Slots& slots) {
+bool applyDebugTable(PanelCorvaneBE& be, Slots& slots) {
   FILE* in = devio::fopen(kDebugLutPath, "r");
   PC_LOGD_AS(kFn, "- %s\n", kDebugLutPath);
   if (in == nullptr) {
     PC_LOGE_AS(kFn, "fail to open output file!\n");
     return false;
   }
-  std::unique_ptr<lut3d_info> lut(new lut3d_info());
-  lut->flags = 0;
-  lut->lut3d_id = kDebugLutId;
-  lut->uniform = 1;
-  lut->num_entries = kLut3dEntries;
-  LutTextFile::read(in, lut.get());  // what a short file does not supply stays zero
+  lut3d_info& lut = be.debugTable();
+  std::memset(&lut, 0, sizeof(lut));  // what a short file does not supply stays zero
+  lut.lut3d_id = kDebugLutId;
+  lut.uniform = 1;
+  lut.num_entries = kLut3dEntries;
+  const bool whole = LutTextFile::read(in, &lut) == LutTextFile::kValueCount;
   fclose(in);
-
-  std::unique_ptr<GamutConfig> scratch;
-  GamutConfig* target = nullptr;
-  if (slots[kGamut] != nullptr) {
-    target = static_cast<GamutConfig*>(slots[kGamut]);
-  } else {
-    scratch.reset(new GamutConfig());
-    target = scratch.get();
+  if (hardened()) {
+    if (!whole) {
+      if (hardenedFirst(HardenedCause::kUnreadTable)) {
+        PC_LOGE_AS(kFn, "hardened: debug table short, not applied\n");
+      }
+      return false;
+    }
+    if (!PanelCorvaneBE::mayHand(kFn, tableVerdict(lut), kModeDebugFile)) return false;
   }
+
+  GamutConfig* target = gamutTarget(be, slots);
   target->enabled = true;
-  std::memcpy(&target->gamut_info, lut.get(), sizeof(lut3d_info));
+  std::memcpy(&target->gamut_info, &lut, sizeof(lut3d_info));
 
   const lut3d_info& g = target->gamut_info;
   PC_LOGD_AS(kFn, "LUT3D flags:%d\n", static_cast<int>(g.flags));
@@ -213,6 +214,12 @@ bool applyDebugTable(Slots& slots) {
 }  // namespace
 
 int PanelCorvaneBE::ProcessModeRenderIntent(const ScPayload& input, ScPayload* output, int mode) {
+  return ProcessModeRenderIntent(input, output, mode,
+                                 Lut3DCacheManager::buildAreaTables(panelIndex()));
+}
+
+int PanelCorvaneBE::ProcessModeRenderIntent(const ScPayload& input, ScPayload* output, int mode,
+                                            const FrameTables& tables) {
   ScopedTrace trace(kFn);
   if (dbgOn(kDbgEntry)) PC_LOGD("start...\n");
   if (output == nullptr || output->payload == 0) return -1;
@@ -235,9 +242,9 @@ int PanelCorvaneBE::ProcessModeRenderIntent(const ScPayload& input, ScPayload* o
   }
 
   if (isOrdinaryMode(mode)) {
-    applyTable(*this, slots, mode);
+    applyTable(*this, slots, mode, tables);
   } else if (mode == kModeDebugFile) {
-    if (!applyDebugTable(slots)) return 0;  // nothing touched, no closing listing
+    if (!applyDebugTable(*this, slots)) return 0;  // nothing touched, no closing listing
   } else if (mode == kModeAllOff) {
     for (HwConfigPayload* asset : slots) {
       if (asset != nullptr) asset->enabled = false;

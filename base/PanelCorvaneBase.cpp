@@ -19,6 +19,7 @@ std::atomic<bool> PanelCorvaneBase::sNeedUpdate{false};
 std::atomic<bool> PanelCorvaneBase::sIsLut3dHook{false};
 std::atomic<bool> PanelCorvaneBase::sIsHidlRegitsered{false};
 std::atomic<int32_t> PanelCorvaneBase::sCurrentPanel{0};
+std::atomic<bool> PanelCorvaneBase::sHardenedTables{false};
 std::atomic<PanelCorvaneBase*> PanelCorvaneBase::sPrimaryPanel{nullptr};
 std::atomic<PanelCorvaneBase*> PanelCorvaneBase::sSecondaryPanel{nullptr};
 std::atomic<Prop*> PanelCorvaneBase::sProp{nullptr};

@@ -49,6 +49,8 @@ class PanelCorvaneBase {
   static std::atomic<bool> sIsLut3dHook;
   static std::atomic<bool> sIsHidlRegitsered;
   static std::atomic<int32_t> sCurrentPanel;
+  // The property file's HardenedTables switch (base/Hardening.h), copied at Init.
+  static std::atomic<bool> sHardenedTables;
   // Written only under the panel registry's lock (base/PanelRegistry.h); service threads
   // reach an object through a pin of the registry, never through a bare load.
   static std::atomic<PanelCorvaneBase*> sPrimaryPanel;

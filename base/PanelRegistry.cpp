@@ -13,6 +13,14 @@ std::atomic<PanelCorvaneBase*>* slotOf(uint32_t index) {
   if (index == 1) return &PanelCorvaneBase::sSecondaryPanel;
   return nullptr;
 }
+
+// Under the registry's lock.
+void freeSlotsOf(PanelCorvaneBase* panel) {
+  for (uint32_t index = 0; index < 2; ++index) {
+    PanelCorvaneBase* expected = panel;
+    slotOf(index)->compare_exchange_strong(expected, nullptr, std::memory_order_relaxed);
+  }
+}
 }  // namespace
 
 PanelRegistry::Pin::~Pin() {
@@ -46,13 +54,21 @@ bool PanelRegistry::claim(uint32_t index, PanelCorvaneBase* panel) {
   return slot->compare_exchange_strong(expected, panel, std::memory_order_relaxed);
 }
 
+bool PanelRegistry::holds(uint32_t index, const PanelCorvaneBase* panel) {
+  std::atomic<PanelCorvaneBase*>* slot = slotOf(index);
+  std::lock_guard<std::mutex> lock(sLock);
+  return slot != nullptr && slot->load(std::memory_order_relaxed) == panel;
+}
+
+void PanelRegistry::release(PanelCorvaneBase* panel) {
+  std::lock_guard<std::mutex> lock(sLock);
+  freeSlotsOf(panel);
+}
+
 void PanelRegistry::withdraw(PanelCorvaneBase* panel) {
   std::unique_lock<std::mutex> lock(sLock);
   panel->mWithdrawn = true;
-  for (uint32_t index = 0; index < 2; ++index) {
-    PanelCorvaneBase* expected = panel;
-    slotOf(index)->compare_exchange_strong(expected, nullptr, std::memory_order_relaxed);
-  }
+  freeSlotsOf(panel);
   sUnpinned.wait(lock, [panel] { return panel->mPins == 0; });
 }
 

@@ -42,6 +42,10 @@ class PanelRegistry {
   // Frees every slot `panel` holds, refuses new pins of it, then waits until no call is pinned
   // to it.
   static void withdraw(PanelCorvaneBase* panel);
+  // Whether `panel` holds the slot of `index`.
+  static bool holds(uint32_t index, const PanelCorvaneBase* panel);
+  // Frees every slot `panel` holds; calls pinned to it go on, and it may claim a slot again.
+  static void release(PanelCorvaneBase* panel);
 
  private:
   static std::mutex sLock;  // guards the two slots and the pin counts of the objects in them

@@ -1,14 +1,14 @@
 // A render-intent operation end to end through ProcessOps, for an ordinary mode at a steady
-// brightness: the per-frame cost the colour manager pays.
+// brightness: the per-frame cost the colour manager pays, alone and while a binder thread
+// regenerates the panel's tables in a loop (where every frame must still find its table).
 #include <benchmark/benchmark.h>
 #include <pchost/host.h>
 #include <pchost/services.h>
 #include <unistd.h>
 
-#include <chrono>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -16,50 +16,33 @@
 #include "cache/Lut3DCacheManager.h"
 #include "config/Prop.h"
 #include "core/PanelCorvane.h"
+#include "tools/lib/device/SyntheticDevice.h"
 
 namespace {
 
 using namespace postblend;
 
-// A running primary panel whose eight tables come from a cache written here.
+// The primary panel of the workbench's synthetic eight-table device, its tables ready. Shared
+// by the benchmarks: a panel is initialised once per process.
 struct RunningPanel {
   RunningPanel() {
     root = std::filesystem::temp_directory_path() / ("pc-bench-" + std::to_string(getpid()));
+    std::string error;
+    ready = pctool::writeSyntheticDevice(root.string(), {}, &error);
     std::filesystem::create_directories(root / "data/vendor/display");
-    std::filesystem::create_directories(root / "odm/etc/PanelCorvane");
-    std::ofstream(root / "odm/etc/PanelCorvane/panelcorvane")
-        << "PanelCalibration=1\nCMDebug=1\nFWVersion=" << Lut3DCacheManager::fileSizeFor(8)
-        << "\nbench=0\n";
     pchost::setRootOverride(root.c_str());
     pchost::setSleepScale(0);
     pchost::setLogEcho(getenv("PC_BENCH_LOG") != nullptr);
     Lut3DCacheManager::deInit(0);  // other benchmarks may have used panel 0
-    Lut3DCacheManager::sNumOfLut3D[0] = 0;
-    Lut3DCacheManager::init(0, 1);
-    lut3d_info* luts = nullptr;
-    Lut3DCacheManager::getLutArrayPointer(0, &luts);
-    for (unsigned t = 0; t < 8; ++t) {
-      luts[t] = {};
-      luts[t].lut3d_id = t;
-      luts[t].num_entries = kLut3dEntries;
-    }
-    Lut3DCacheManager::sPCFGPanel[0].source = 1;  // no identity files: unmatched
-    Lut3DCacheManager::sPCFGPanel[0].panelId = 0;
-    Lut3DCacheManager::sPCFGPanel[0].paramVersion = 0;
-    Lut3DCacheManager::saveCfgToFile(0);
-    Lut3DCacheManager::deInit(0);
     Lut3DCacheManager::sNumOfLut3D[0] = 0;
     {
       // Other benchmarks may have left a property object with other switches behind.
       std::lock_guard<std::mutex> lock(PanelCorvaneBase::base_lock_);
       delete PanelCorvaneBase::sProp.exchange(nullptr);
     }
-    panel.Init("bench");
-    auto until = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!panel.tablesReady() && std::chrono::steady_clock::now() < until) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    pchost::waitForIdleLoopers();  // the loading job has let go of the tables
+    panel.Init("PanelCorvane_primary");
+    pchost::waitForIdleLoopers();  // the loading job has generated the tables
+    ready = ready && panel.tablesReady();
   }
   ~RunningPanel() {
     panel.DeInit();
@@ -68,32 +51,76 @@ struct RunningPanel {
   }
   std::filesystem::path root;
   PanelCorvane panel;
+  bool ready = false;
+};
+
+RunningPanel& runningPanel() {
+  static RunningPanel running;
+  return running;
+}
+
+// One frame of sRGB content in the Nature intent (table 3), with the assets a device offers.
+struct Frame {
+  Frame() {
+    input.color_mode.gamut = 1;
+    input.color_mode.intent = 256;
+    output.payload.emplace_back("PostBlendGamut", gamut);
+    output.payload.emplace_back("PostBlendGC", std::make_shared<HwConfigPayload>());
+    output.payload.emplace_back("PostBlendIGC", std::make_shared<HwConfigPayload>());
+    output.payload.emplace_back("PostBlendPa", std::make_shared<HwConfigPayload>());
+    in.len = sizeof(input);
+    in.payload = reinterpret_cast<uintptr_t>(&input);
+    out.payload = reinterpret_cast<uintptr_t>(&output);
+  }
+  // True when the frame's gamut record received a table.
+  bool send(PanelCorvane& panel) {
+    gamut->gamut_info.lut3d_id = kNone;
+    panel.ProcessOps(kScModeRenderIntent, in, &out);
+    return gamut->gamut_info.lut3d_id != kNone;
+  }
+  static constexpr uint32_t kNone = 0xFFFFFFFFu;
+  ModeRenderInputParams input;
+  HwConfigOutputParams output;
+  std::shared_ptr<GamutConfig> gamut = std::make_shared<GamutConfig>();
+  ScPayload in, out;
 };
 
 void BM_RenderIntentOp(benchmark::State& state) {
-  static RunningPanel running;
-  if (!running.panel.tablesReady()) {
+  RunningPanel& running = runningPanel();
+  if (!running.ready) {
     state.SkipWithError("the panel's tables did not load");
     return;
   }
-  ModeRenderInputParams input;
-  input.color_mode.gamut = 1;
-  input.color_mode.intent = 256;  // Nature: table 3
-  HwConfigOutputParams output;
-  auto gamut = std::make_shared<GamutConfig>();
-  output.payload.emplace_back("PostBlendGamut", gamut);
-  output.payload.emplace_back("PostBlendGC", std::make_shared<HwConfigPayload>());
-  output.payload.emplace_back("PostBlendIGC", std::make_shared<HwConfigPayload>());
-  output.payload.emplace_back("PostBlendPa", std::make_shared<HwConfigPayload>());
-  ScPayload in, out;
-  in.len = sizeof(input);
-  in.payload = reinterpret_cast<uintptr_t>(&input);
-  out.payload = reinterpret_cast<uintptr_t>(&output);
+  Frame frame;
   for (auto _ : state) {
-    running.panel.ProcessOps(kScModeRenderIntent, in, &out);
-    benchmark::DoNotOptimize(gamut->gamut_info.entries[4912].out[2]);
+    frame.send(running.panel);
+    benchmark::DoNotOptimize(frame.gamut->gamut_info.entries[4912].out[2]);
   }
 }
 BENCHMARK(BM_RenderIntentOp);
+
+void BM_RenderIntentOpDuringRegeneration(benchmark::State& state) {
+  RunningPanel& running = runningPanel();
+  if (!running.ready) {
+    state.SkipWithError("the panel's tables did not load");
+    return;
+  }
+  std::atomic<bool> stop{false};
+  std::atomic<int> regenerations{0};
+  std::thread binder([&] {  // as set(104) from a binder thread, again and again
+    while (!stop) {
+      running.panel.generateCfgFile();
+      ++regenerations;
+    }
+  });
+  Frame frame;
+  int64_t withoutTable = 0;
+  for (auto _ : state) withoutTable += frame.send(running.panel) ? 0 : 1;
+  stop = true;
+  binder.join();
+  state.counters["regenerations"] = regenerations.load();
+  state.counters["frames_without_table"] = static_cast<double>(withoutTable);
+}
+BENCHMARK(BM_RenderIntentOpDuringRegeneration)->UseRealTime();
 
 }  // namespace

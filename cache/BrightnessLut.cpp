@@ -79,7 +79,12 @@ void Lut3DCacheManager::calLut3dDelta(unsigned panel) {
 }
 
 void Lut3DCacheManager::calLut3d(unsigned panel, unsigned lutIndex, unsigned brightness) {
-  const uint32_t n = panel < kNumPanels ? sNumOfLut3D[panel].load(std::memory_order_relaxed) : 0;
+  calLut3d(panel, lutIndex, brightness, buildAreaTables(panel));
+}
+
+void Lut3DCacheManager::calLut3d(unsigned panel, unsigned lutIndex, unsigned brightness,
+                                 const FrameTables& tables) {
+  const uint32_t n = panel < kNumPanels ? tables.slots : 0;
   // Only the odd table of a pair is recomputed, and never one beyond the panel's array.
   const bool oddIndex = lutIndex < 8 && ((kOddIndexMask >> lutIndex) & 1) != 0;
   if (!oddIndex || (n != 0 && lutIndex >= n)) {
@@ -105,18 +110,16 @@ void Lut3DCacheManager::calLut3d(unsigned panel, unsigned lutIndex, unsigned bri
     PC_LOGD("calLut3d +++ %d %d\n", static_cast<int>(w), static_cast<int>(brightness));
   }
 
-  lut3d_info* luts = panel < kNumPanels ? sPCFGPanel[panel].lutArray : nullptr;
-  const int32_t* deltas = panel < kNumPanels ? slut3dDeltaPanel[panel] : nullptr;
-  if (n == 0 || luts == nullptr || deltas == nullptr) {
+  lut3d_info* target = tables.present ? tables.odd[lutIndex] : nullptr;
+  const lut3d_info* base = tables.present ? tables.table[lutIndex - 1] : nullptr;
+  if (n == 0 || target == nullptr || base == nullptr || tables.deltas == nullptr) {
     PC_LOGE("getLutArrayPointer ERROR(%d)\n", 0);
     return;
   }
 
-  const int32_t* block = deltas + kDeltaBlockWords * (lutIndex / 2);
-  lut3d_info& target = luts[lutIndex];
-  applyDeltaQ12(luts[lutIndex - 1], target, block, w);
+  applyDeltaQ12(*base, *target, tables.deltas + kDeltaBlockWords * (lutIndex / 2), w);
   if (dump) {
-    for (const lut3d_entry& e : target.entries) {
+    for (const lut3d_entry& e : target->entries) {
       fprintf(dump.get(), "%u %u %u\n", e.out[0], e.out[1], e.out[2]);
     }
   }

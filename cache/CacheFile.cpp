@@ -11,6 +11,7 @@
 #include <string>
 
 #include "base/DeviceIo.h"
+#include "base/Hardening.h"
 #include "base/Log.h"
 #include "cache/CacheAcceptance.h"
 #include "cache/CacheFileReader.h"
@@ -75,7 +76,9 @@ int32_t Lut3DCacheManager::loadCacheFromFile(unsigned panel, unsigned fwVersion,
   check.expectedParamVersion = paramVersion;
   check.source = cfg.source;
   check.matched = matched;
-  return cacheRefusal(check) == CacheRefusal::None ? 0 : failed;
+  const bool taken = cacheRefusal(check) == CacheRefusal::None;
+  sTablesMade[panel] = taken ? n : 0;  // a refused file's bytes are no table of ours
+  return taken ? 0 : failed;
 }
 
 void Lut3DCacheManager::saveCfgToFile(unsigned panel) {
@@ -83,6 +86,13 @@ void Lut3DCacheManager::saveCfgToFile(unsigned panel) {
   PanelCfgCache& cfg = sPCFGPanel[panel];
   const uint32_t n = sNumOfLut3D[panel].load(std::memory_order_relaxed);
   const char* path = cachePath(panel);
+  if (hardened() && sTablesMade[panel] < n) {
+    // The slots beyond the tables made hold what an earlier job or a refused cache left.
+    if (hardenedFirst(HardenedCause::kCacheIncomplete)) {
+      PC_LOGE("hardened: %u of %u tables made, cache not written\n", sTablesMade[panel], n);
+    }
+    return;
+  }
   // Written beside the cache and renamed over it, so a reader never sees half a file.
   const std::string tmpPath = std::string(path) + ".tmp";
   const std::string hostTmp = devio::path(tmpPath.c_str());

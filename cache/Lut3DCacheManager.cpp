@@ -2,14 +2,18 @@
 
 #include "cache/Lut3DCacheManager.h"
 
+#include <cstring>
+
 #include "base/Log.h"
 #include "cache/CacheAcceptance.h"
+#include "cache/TablePublication.h"
 
 namespace postblend {
 
 std::atomic<uint32_t> Lut3DCacheManager::sNumOfLut3D[kNumPanels] = {};
 PanelCfgCache Lut3DCacheManager::sPCFGPanel[kNumPanels];
 int32_t* Lut3DCacheManager::slut3dDeltaPanel[kNumPanels] = {};
+uint32_t Lut3DCacheManager::sTablesMade[kNumPanels] = {};
 
 std::mutex& Lut3DCacheManager::tablesLock(unsigned panel) {
   static std::mutex locks[kNumPanels + 1];
@@ -24,6 +28,7 @@ bool Lut3DCacheManager::init(unsigned panel, unsigned cmDebug) {
     return cfg.lutArray != nullptr && slut3dDeltaPanel[panel] != nullptr;
   }
   const uint32_t n = tableSlots(cmDebug != 0);
+  sTablesMade[panel] = 0;
   // Zeroed although nothing relies on it: keeps memory checkers quiet about a never-filled pair.
   cfg.lutArray = new lut3d_info[n]();
   slut3dDeltaPanel[panel] = new int32_t[static_cast<size_t>(n) * 3 * kLut3dEntries]();
@@ -39,6 +44,39 @@ void Lut3DCacheManager::deInit(unsigned panel) {
   sPCFGPanel[panel].lutArray = nullptr;
   delete[] slut3dDeltaPanel[panel];
   slut3dDeltaPanel[panel] = nullptr;
+  sTablesMade[panel] = 0;
+  TablePublication::publish(panel, nullptr);  // frames then find no set
+}
+
+bool Lut3DCacheManager::publish(unsigned panel) {
+  if (panel >= kNumPanels) return false;
+  const uint32_t n = sNumOfLut3D[panel].load(std::memory_order_relaxed);
+  const lut3d_info* luts = sPCFGPanel[panel].lutArray;
+  const int32_t* deltas = slut3dDeltaPanel[panel];
+  if (n == 0 || n > kMaxTables || luts == nullptr || deltas == nullptr) return false;
+  static std::atomic<uint64_t> generations{0};
+  auto* set = new TableSet(n);
+  set->generation = generations.fetch_add(1, std::memory_order_relaxed) + 1;
+  set->made = sTablesMade[panel] < n ? sTablesMade[panel] : n;
+  std::memcpy(set->tables.get(), luts, n * sizeof(lut3d_info));
+  std::memcpy(set->deltas.get(), deltas, sizeof(int32_t) * (n / 2) * 3 * kLut3dEntries);
+  for (uint32_t k = 0; k < n; ++k) set->verdict[k] = tableVerdict(luts[k]);
+  TablePublication::publish(panel, set);
+  return true;
+}
+
+FrameTables Lut3DCacheManager::buildAreaTables(unsigned panel) {
+  FrameTables t;
+  if (panel >= kNumPanels) return t;
+  lut3d_info* luts = sPCFGPanel[panel].lutArray;
+  t.slots = sNumOfLut3D[panel].load(std::memory_order_relaxed);
+  t.present = luts != nullptr && slut3dDeltaPanel[panel] != nullptr && t.slots <= kMaxTables;
+  t.deltas = slut3dDeltaPanel[panel];
+  for (uint32_t k = 0; t.present && k < t.slots; ++k) {
+    t.table[k] = &luts[k];
+    if (k % 2 == 1) t.odd[k] = &luts[k];
+  }
+  return t;
 }
 
 int Lut3DCacheManager::getLutArrayPointer(unsigned panel, lut3d_info** out) {

@@ -8,7 +8,7 @@ if((NOT DEFINED PC_BUILD_TESTS OR PC_BUILD_TESTS) AND NOT TARGET GTest::gtest)
     message(FATAL_ERROR "A cross build compiles GoogleTest from source: set PC_GTEST_SOURCE_DIR "
                         "(Debian: apt-get install googletest) or -DPC_BUILD_TESTS=OFF")
   endif()
-  set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+  set(BUILD_GMOCK ON CACHE BOOL "" FORCE)  # the workbench tests link gmock
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   include(FetchContent)
   # OVERRIDE_FIND_PACKAGE: the tests' find_package(GTest) takes these targets (GTest::gtest,

@@ -21,6 +21,7 @@ PanelSwitches panelSwitches(const PropertyEntries& entries) {
   s.gammaCorrection = switchOn(intOr(entries, "GammaCorrection", 0));
   s.cmDebug = switchOn(intOr(entries, "CMDebug", 0));
   s.use100nits = switchOn(intOr(entries, kIn100nitsKey, 0));
+  s.hardenedTables = switchOn(intOr(entries, "HardenedTables", 0));
   return s;
 }
 

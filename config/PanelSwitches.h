@@ -27,6 +27,7 @@ struct PanelSwitches {
   bool gammaCorrection = false;  // GammaCorrection: targets of 20 numbers, the grey ramp corrected
   bool cmDebug = false;          // CMDebug: 8 table slots per panel, else 6 (tableSlots)
   bool use100nits = false;       // inParam100nits: the 100-nit targets for the even tables
+  bool hardenedTables = false;   // HardenedTables: the rules of base/Hardening.h
   // LogLevel bit 0x02: verbose lines, and the shortened protect-white pass of a generation.
   bool verbose() const { return (static_cast<uint32_t>(logLevel) & kDbgVerbose) != 0; }
 };

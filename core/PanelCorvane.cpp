@@ -10,6 +10,7 @@
 
 #include "backend/PanelCorvaneBE.h"
 #include "base/DeviceIo.h"
+#include "base/Hardening.h"
 #include "base/Log.h"
 #include "base/PanelRegistry.h"
 #include "base/Trace.h"
@@ -55,6 +56,7 @@ void PanelCorvane::stopWorker() {
 }
 
 int PanelCorvane::Init(const std::string& name) {
+  if (!mOddScratch) mOddScratch.reset(new lut3d_info[kMaxTables / 2]());
   ColorMode standard;
   standard.gamut = 255;
   standard.gamma = 255;
@@ -77,6 +79,7 @@ int PanelCorvane::Init(const std::string& name) {
       sDebug = static_cast<uint32_t>(sw.logLevel);
       sParamVersion = static_cast<uint32_t>(sw.paramVersion);
       sFWVersion = static_cast<uint32_t>(sw.fwVersion);
+      sHardenedTables = sw.hardenedTables;
     }
   }
 
@@ -133,11 +136,7 @@ int PanelCorvane::DeInit() {
         mThread->join();
         mThread.clear();
       }
-      {
-        // Waits for a generation running on a binder thread before the memory goes.
-        std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex));
-        Lut3DCacheManager::deInit(mPanelIndex);
-      }
+      releaseTables();
       PC_LOGD("DeInit done!\n");
     }
     std::lock_guard<std::mutex> baseLock(base_lock_);
@@ -145,6 +144,36 @@ int PanelCorvane::DeInit() {
   }
   devio::sleepSeconds(1);
   return 0;
+}
+
+void PanelCorvane::releaseTables() {
+  // Waits for a job running on the worker or a binder thread before the memory goes; frames
+  // let go of the withdrawn set on their own, and it is freed after the last.
+  std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex));
+  if (!hardened()) {
+    Lut3DCacheManager::deInit(mPanelIndex);
+    return;
+  }
+  if (ownsPanelTables()) {
+    Lut3DCacheManager::deInit(mPanelIndex);
+    // Forgotten too, so that the next object of this panel (a fold) makes its tables again.
+    Lut3DCacheManager::sNumOfLut3D[mPanelIndex] = 0;
+  }
+  mTablesReady = false;
+  PanelRegistry::release(this);
+}
+
+bool PanelCorvane::ownsPanelTables() {
+  if (PanelRegistry::holds(mPanelIndex, this)) return true;
+  if (hardenedFirst(HardenedCause::kNotPanelOwner)) {
+    PC_LOGE("hardened: %s does not hold panel %d, its tables left alone\n", mName,
+            static_cast<int>(mPanelIndex));
+  }
+  return false;
+}
+
+void PanelCorvane::publishTables() {
+  mTablesReady = Lut3DCacheManager::publish(mPanelIndex);
 }
 
 int PanelCorvane::SetProperty(const ScPayload& payload) {

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "base/PanelCorvaneBase.h"
+#include "cache/TableSet.h"
 #include "core/MessageQueue.h"
 #include "services/ControlTarget.h"
 #include "postblend/color_records.h"
@@ -116,7 +117,19 @@ class PanelCorvane : public ScPostBlendInterface,
   bool admitCall(const char* fn);
   // Stops a worker left running by an Init that was not followed by DeInit.
   void stopWorker();
+  // Releases the panel's tables (DeInit), under the hardened switch only when this object holds
+  // the panel's registry slot, which it then gives up.
+  void releaseTables();
+  // A job made the build area's tables ready: publishes them as the panel's set.
+  void publishTables();
+  // Hardened: whether this object may replace or release its panel's tables, saying once why
+  // not.
+  bool ownsPanelTables();
   int chooseMode(int gamut, int intent, int forced);
+  // Hardened: a mode whose table the set never made is not taken; the previous one stays.
+  int offeredMode(int mode, const TableSet* set);
+  // The pinned set's even tables and this object's odd ones, refreshed from a new set.
+  FrameTables frameTables(const TableSet* set);
 
   // What the control commands may ask of this object.
   class ControlPort final : public ControlTarget {
@@ -150,7 +163,9 @@ class PanelCorvane : public ScPostBlendInterface,
   // Colour manager's thread only.
   ColorModeList mModeList;
   std::atomic<bool> mWorkerRunning{false};
-  // Changed only under the panel's tables lock; read without it where a stale answer is safe.
+  // True once a job of this object published the panel's set (a regeneration that fails leaves
+  // it as long as a set stays published). Changed only under the panel's tables lock; read
+  // without it where a stale answer is safe.
   std::atomic<bool> mTablesReady{false};
   std::atomic<int32_t> mLastGenResult{-1};
   std::atomic<bool> mFodOn{false};
@@ -159,6 +174,10 @@ class PanelCorvane : public ScPostBlendInterface,
   int32_t mPreIntent = -1;
   int32_t mPreMode = -1;
   uint32_t mLastTableBrightness = 0;
+  // This object's odd tables (table 2k+1 at k), interpolated for the brightness; made by Init,
+  // refreshed from a set whose generation differs from mScratchGeneration.
+  std::unique_ptr<lut3d_info[]> mOddScratch;
+  uint64_t mScratchGeneration = 0;
   // The worker only.
   android::sp<qService::IQService> mQService;
   // Colour manager's thread only (Init, DeInit, the destructor).

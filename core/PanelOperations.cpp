@@ -4,9 +4,11 @@
 #define LOG_TAG "PanelCorvane"
 
 #include "backend/PanelCorvaneBE.h"
+#include "base/Hardening.h"
 #include "base/Log.h"
 #include "base/PanelRegistry.h"
 #include "cache/Lut3DCacheManager.h"
+#include "cache/TablePublication.h"
 #include "core/PanelCorvane.h"
 #include "frontend/PanelCorvaneFE.h"
 #include "services/ControlCommands.h"
@@ -50,24 +52,26 @@ int PanelCorvane::cmd10000(int cmd) { return control::cmd10000(cmd); }
 void PanelCorvane::dumpState(const char* fn) { control::dumpState(fn); }
 
 void PanelCorvane::generateCfgFile() {
-  // Held from the first line to the last: a second regeneration of the panel, its loading job,
-  // a frame's copy and DeInit's release all wait (a frame does not wait: it finds the tables
-  // not ready).
+  // Held from the first line to the last: a second regeneration of the panel, its loading job
+  // and DeInit's release wait. Frames do not: they go on with the set published before.
   std::lock_guard<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex));
   std::shared_lock<std::shared_mutex> parts(mPartsLock);
   PC_LOGE("%s\n", mName);
-  mTablesReady = false;
-  if (!mBE || !mFE) return;
+  // A regeneration that fails leaves the published set: the tables it would have replaced.
+  const auto keepIfPublished = [this] {
+    mTablesReady = mTablesReady && TablePublication::published(mPanelIndex);
+  };
+  if (!mBE || !mFE || (hardened() && !ownsPanelTables())) return keepIfPublished();
   bool matched = mBE->isPaneIdMatched();
   if (!matched) PC_LOGE("Warning: PanelId error !!!!!!!!!!\n");
   int result = mFE->generateCfgFile(matched ? 1 : -1);
   mLastGenResult = result;
   if (result < 0) {
     PC_LOGE("generateCfgFile %d\n", result);
-    return;
+    return keepIfPublished();
   }
   mBE->calLut3dDelta();
-  mTablesReady = true;
+  publishTables();
 }
 
 bool PanelCorvane::IsPaneIdMatched() {

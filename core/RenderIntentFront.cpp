@@ -7,14 +7,30 @@
 #include <cstdio>
 
 #include "backend/PanelCorvaneBE.h"
+#include "base/Hardening.h"
 #include "base/Log.h"
 #include "base/Trace.h"
 #include "cache/Lut3DCacheManager.h"
+#include "cache/TablePublication.h"
 #include "core/PanelCorvane.h"
 
 namespace postblend {
 
 namespace {
+constexpr uint32_t kMaxLevel = 8191;
+
+// The level an interpolation works with: as set, or hardened, clamped to 0..8191 (a negative one
+// arrives as a large unsigned value).
+uint32_t interpolationLevel(uint32_t brightness) {
+  if (!hardened() || brightness <= kMaxLevel) return brightness;
+  const uint32_t level = static_cast<int32_t>(brightness) < 0 ? 0 : kMaxLevel;
+  if (hardenedFirst(HardenedCause::kLevelClamped)) {
+    PC_LOGE_AS("ProcessModeRenderIntent", "hardened: level %d clamped to %d\n",
+               static_cast<int>(brightness), static_cast<int>(level));
+  }
+  return level;
+}
+
 constexpr int kGamutSrgb = 1;
 constexpr int kGamutP3 = 12;
 constexpr int kModeBypass = -1;
@@ -86,6 +102,44 @@ int PanelCorvane::chooseMode(int gamut, int intent, int forced) {
   return mode;
 }
 
+int PanelCorvane::offeredMode(int mode, const TableSet* set) {
+  const int table = mode == 309 ? 5 : mode == 310 ? 1 : mode;
+  if (table < 0 || table > 7) return mode;  // no table of the panel's array
+  if (set != nullptr && static_cast<uint32_t>(table) < set->made) return mode;
+  if (hardenedFirst(HardenedCause::kModeNotOffered)) {
+    PC_LOGE_AS("ProcessModeRenderIntent", "hardened: mode %d has no tables, mode %d kept\n", mode,
+               mPreMode);
+  }
+  return mPreMode;
+}
+
+FrameTables PanelCorvane::frameTables(const TableSet* set) {
+  FrameTables t;
+  if (set == nullptr) {
+    // Withdrawn (a DeInit of this panel): as released tables, whose count survives.
+    t.slots = mPanelIndex < 2 ? Lut3DCacheManager::sNumOfLut3D[mPanelIndex].load() : 0;
+    return t;
+  }
+  if (mScratchGeneration != set->generation) {
+    // A new set: its full-brightness tables until the brightness next changes.
+    for (uint32_t k = 1; k < set->count; k += 2) mOddScratch[k / 2] = set->tables[k];
+    mScratchGeneration = set->generation;
+  }
+  t.slots = set->count;
+  t.present = true;
+  t.deltas = set->deltas.get();
+  for (uint32_t k = 0; k < set->count; ++k) {
+    if (k % 2 == 1) {
+      t.table[k] = t.odd[k] = &mOddScratch[k / 2];
+    } else {
+      t.table[k] = &set->tables[k];
+      t.judged |= 1u << k;
+      t.verdict[k] = set->verdict[k];
+    }
+  }
+  return t;
+}
+
 int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* output) {
   if (input.payload == 0 || input.len < sizeof(ModeRenderInputParams)) {
     PC_LOGE("payload error!\n");
@@ -112,10 +166,10 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
   }
   // One reading per frame, so the check below and the mode chosen agree.
   const int32_t forced = sCFGMode;
-  // Never waits: while a load or a generation holds the tables, the frame goes on as if they
-  // were not ready, and nothing below touches them.
-  std::unique_lock<std::mutex> tables(Lut3DCacheManager::tablesLock(mPanelIndex), std::try_to_lock);
-  const bool haveTables = tables.owns_lock() && mTablesReady;
+  const bool haveTables = mTablesReady;
+  // The panel's set for the whole frame, pinned after the flag that a job sets once it has
+  // published: never waits, and a job publishing meanwhile frees it only after this frame.
+  const TablePublication::Pin set = TablePublication::pin(mPanelIndex);
   if (!haveTables && forced != kModeAllOff) {
     sNeedUpdate = false;
     if (dbgOn(kDbgEntry)) PC_LOGD("init failed\n");
@@ -136,10 +190,12 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
     mPreGamut = gamut;
   }
 
-  const int mode = chooseMode(gamut, intent, forced);
+  int mode = chooseMode(gamut, intent, forced);
+  if (hardened()) mode = offeredMode(mode, set.get());
   if (mode != mPreMode) refresh();
 
   if (mode != kModeBypass) {
+    const FrameTables tables = frameTables(set.get());
     const uint32_t brightness = sBrightness;
     if (mode <= 7) {
       if (dbgOn(kDbgTrace)) {
@@ -148,12 +204,12 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
         traceMark(label);
       }
       if (brightness != mLastTableBrightness) {
-        if (mBE) mBE->calLut3d(mode, static_cast<int>(brightness));
+        if (mBE) mBE->calLut3d(mode, static_cast<int>(interpolationLevel(brightness)), tables);
         mLastTableBrightness = brightness;
       }
     }
     traceMark("setLut3d");
-    if (mBE) mBE->ProcessModeRenderIntent(input, output, mode);
+    if (mBE) mBE->ProcessModeRenderIntent(input, output, mode, tables);
   }
 
   mPreMode = mode;

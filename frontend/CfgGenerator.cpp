@@ -115,6 +115,7 @@ int PanelCorvaneFE::generateCfgFile(int match) {
     generateLut3D(odf[plan.table[i].odf], targets[plan.table[i].target], &lut, i);
   }
 
+  Lut3DCacheManager::sTablesMade[mPanelIndex] = static_cast<uint32_t>(plan.count);
   recordSource(match, golden);
   Lut3DCacheManager::saveCfgToFile(mPanelIndex);
   return golden ? 1 : 0;

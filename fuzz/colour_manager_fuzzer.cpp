@@ -2,6 +2,8 @@
 // and op. A payload points at fuzzed bytes of the fuzzed size (allocated to exactly that size, so
 // a read past them is caught) or, where that size holds the record the call takes, at one with
 // fuzzed fields (gamut, intent, metadata, asset names and order), as the colour manager builds it.
+// One input byte turns the hardened-tables switch on; then every table a frame hands over must be
+// a table (codes within 0..4095, not all zero).
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <memory>
@@ -45,6 +47,7 @@ void fillResult(FuzzedDataProvider& in, HwConfigOutputParams* out) {
         : in.ConsumeIntegralInRange<int>(0, 7) != 0 ? std::make_shared<HwConfigPayload>()
                                                     : nullptr;
     if (record) record->enabled = in.ConsumeBool();
+    if (name == "PostBlendGamut") pcfuzz::markUnhanded(static_cast<GamutConfig&>(*record));
     out->payload.emplace_back(name, record);
   }
 }
@@ -60,6 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pcfuzz::TwoPanels& device = pcfuzz::runningDevice();
   pcfuzz::resetSharedState();
   FuzzedDataProvider in(data, size);
+  PanelCorvaneBase::sHardenedTables = in.ConsumeBool();
   for (int step = 0; step < 6 && in.remaining_bytes() > 0; ++step) {
     PanelCorvane* panel = in.ConsumeBool() ? device.primary : device.secondary;
     const int call = in.ConsumeIntegralInRange<int>(0, 2);
@@ -96,6 +100,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
           24, sizeof(result), 0,
           in.ConsumeIntegralInRange<int>(0, 15) == 0 ? 0 : reinterpret_cast<uintptr_t>(&result)};
       panel->ProcessOps(op, p, none ? nullptr : &output);
+      for (const auto& asset : result.payload) {
+        if (asset.first == "PostBlendGamut") pcfuzz::checkHanded(static_cast<GamutConfig&>(*asset.second));
+      }
     }
   }
   return 0;

@@ -1,7 +1,9 @@
 // The two binder services as any client may call them: HIDL configureSet / configureGet with any
 // command and arguments, AIDL set and sencept, frames in between, on a running plugin whose tables
 // are ready (regeneration included). Levels far above 8191 extrapolate the full-brightness table
-// by design, so the target checks only that everything ends without a sanitizer report.
+// by design, so without the hardened-tables switch the target checks only that everything ends
+// without a sanitizer report; one input byte turns the switch on, and then every table a frame
+// hands over must be a table (codes within 0..4095, not all zero).
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <functional>
@@ -45,6 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   pcfuzz::resetSharedState();
   device.primary->configureSet(919, Vec{0, 0});  // the FOD flag off again
   FuzzedDataProvider in(data, size);
+  postblend::PanelCorvaneBase::sHardenedTables = in.ConsumeBool();
   auto aidl = std::make_shared<PanelCorvane::MixLut3DAidl>();
   int32_t ret = 0;
   const std::function<void()> calls[] = {
@@ -65,12 +68,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         request.color_mode.gamut = in.ConsumeBool() ? 1 : 12;
         request.color_mode.intent = in.ConsumeIntegralInRange<uint32_t>(0, 310);
         postblend::HwConfigOutputParams result;
-        result.payload.emplace_back("PostBlendGamut", std::make_shared<postblend::GamutConfig>());
+        auto gamut = std::make_shared<postblend::GamutConfig>();
+        pcfuzz::markUnhanded(*gamut);
+        result.payload.emplace_back("PostBlendGamut", gamut);
         const postblend::ScPayload inP{24, sizeof(request), 0,
                                        reinterpret_cast<uintptr_t>(&request)};
         postblend::ScPayload outP{24, sizeof(result), 0, reinterpret_cast<uintptr_t>(&result)};
         (in.ConsumeBool() ? device.primary : device.secondary)
             ->ProcessOps(postblend::kScModeRenderIntent, inP, &outP);
+        pcfuzz::checkHanded(*gamut);
       },
   };
   for (int step = 0; step < 8 && in.remaining_bytes() > 0; ++step)

@@ -4,8 +4,12 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
+#include "base/Hardening.h"
 #include "core/PanelCorvane.h"
 
 namespace pcfuzz {
@@ -29,6 +33,28 @@ inline void resetSharedState() {
   B::sNeedUpdate = false;
   B::sIsLut3dHook = false;
   B::sCurrentPanel = 0;
+}
+
+// A gamut record as the colour manager hands it over, its table a pattern no table has (every
+// word above 4095), so that a record that got a table shows it.
+inline void markUnhanded(postblend::GamutConfig& g) {
+  std::memset(&g.gamut_info, 0xA5, sizeof(g.gamut_info));
+}
+
+// Under the hardened switch a record that got a table got a table: every code within 0..4095 and
+// not all zero. Aborts otherwise.
+inline void checkHanded(const postblend::GamutConfig& g) {
+  if (!postblend::hardened()) return;
+  static const postblend::GamutConfig* const unhanded = [] {
+    auto* u = new postblend::GamutConfig();
+    markUnhanded(*u);
+    return u;
+  }();
+  if (std::memcmp(&g.gamut_info, &unhanded->gamut_info, sizeof(g.gamut_info)) == 0) return;
+  if (postblend::tableVerdict(g.gamut_info) != postblend::TableVerdict::kSound) {
+    std::fprintf(stderr, "hardened: the hardware was handed something that is not a table\n");
+    std::abort();
+  }
 }
 
 // Both panels of the device (a synthetic eight-table one on the host), initialised, tables

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <limits>
 #include <thread>
+#include <utility>
 
 #include "pchost/host.h"
 
@@ -26,21 +27,28 @@ LiveLoopers& liveLoopers() {
 // The loopers this thread has polled; when the thread ends, the ones still alive are orphaned:
 // their messages will never run, so they do not count as work under way.
 struct PolledByThisThread {
-  std::vector<Looper*> loopers;
+  std::vector<std::pair<Looper*, uint64_t>> loopers;  // with its serial
   ~PolledByThisThread() {
     LiveLoopers& live = liveLoopers();
     std::lock_guard<std::mutex> lock(live.lock);
-    for (Looper* l : loopers)
-      if (std::find(live.loopers.begin(), live.loopers.end(), l) != live.loopers.end())
+    for (const auto& [l, serial] : loopers)
+      if (std::find(live.loopers.begin(), live.loopers.end(), l) != live.loopers.end() &&
+          l->serial() == serial)
         l->setOrphaned(true);
   }
 };
 thread_local PolledByThisThread tPolled;
+
+uint64_t nextLooperSerial() {
+  static std::atomic<uint64_t> serials{0};
+  return ++serials;
+}
 }  // namespace
 
 MessageHandler::~MessageHandler() = default;
 
-Looper::Looper(bool allowNonCallbacks) : mAllowNonCallbacks(allowNonCallbacks) {
+Looper::Looper(bool allowNonCallbacks)
+    : mAllowNonCallbacks(allowNonCallbacks), mSerial(nextLooperSerial()) {
   std::lock_guard<std::mutex> lock(liveLoopers().lock);
   liveLoopers().loopers.push_back(this);
 }
@@ -59,8 +67,9 @@ bool Looper::isBusy() const {
 }
 
 int Looper::pollOnce(int timeoutMillis, int* /*outFd*/, int* /*outEvents*/, void** /*outData*/) {
-  if (std::find(tPolled.loopers.begin(), tPolled.loopers.end(), this) == tPolled.loopers.end()) {
-    tPolled.loopers.push_back(this);
+  const std::pair<Looper*, uint64_t> self(this, mSerial);
+  if (std::find(tPolled.loopers.begin(), tPolled.loopers.end(), self) == tPolled.loopers.end()) {
+    tPolled.loopers.push_back(self);
     mOrphaned = false;
   }
   const nsecs_t start = systemTime(SYSTEM_TIME_MONOTONIC);

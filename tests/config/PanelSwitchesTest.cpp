@@ -15,7 +15,8 @@ std::string text(const PanelSwitches& s) {
   return std::to_string(s.logLevel) + " " + std::to_string(s.paramVersion) + " " +
          std::to_string(s.fwVersion) + " " + std::to_string(s.calibration) +
          std::to_string(s.nitsCalibration) + std::to_string(s.gammaCorrection) +
-         std::to_string(s.cmDebug) + std::to_string(s.use100nits) + " v" +
+         std::to_string(s.cmDebug) + std::to_string(s.use100nits) +
+         std::to_string(s.hardenedTables) + " v" +
          std::to_string(s.verbose());
 }
 
@@ -35,6 +36,7 @@ TEST(PanelSwitches, EachKeySetsItsOwnSwitch) {
       {"CMDebug=1\nCMDebug=0\n", [](PanelSwitches& s) { s.cmDebug = true; }},
       {"inParam100nits=1\n", [](PanelSwitches& s) { s.use100nits = true; }},
       {"inParam100nits=2\n", [](PanelSwitches&) {}},
+      {"HardenedTables=1\n", [](PanelSwitches& s) { s.hardenedTables = true; }},
   };
   for (const auto& row : rows) {
     postblend::PropertyEntries entries;

@@ -3,10 +3,12 @@
 // and backend, DeInit during a regeneration, a first frame while the other panel's DeInit
 // releases the property file. Every table a frame receives must be one the panel may have, a
 // regeneration's lines stay together, the caches left equal a clean generation byte for byte,
-// and the sanitizers stay quiet. PC_STRESS_ROUNDS (frames and commands per thread) and
+// and the sanitizers stay quiet, and once an object had a table no frame of it finds none
+// because a job is replacing the tables (only a fold takes them away). PC_STRESS_ROUNDS (frames and commands per thread) and
 // PC_STRESS_CYCLES (folds) size it; the defaults keep a sanitizer run short.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <thread>
 
 #include "tests/services/TwoPanelRig.h"
@@ -25,24 +27,29 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
   const int rounds = pctest::envCount("PC_STRESS_ROUNDS", 1500);
   const int cycles = pctest::envCount("PC_STRESS_CYCLES", 30);
   const int intents[] = {1, 256, 258, 303};
-  std::atomic<int> badFrames{0}, tablesSeen{0};
+  std::atomic<int> frames{0}, badFrames{0}, tablesSeen{0}, notReady{0};
   std::atomic<bool> folding{true};
   std::atomic<int> binders{2};  // frames go on until the binder threads are through
-  auto send = [&](PanelCorvane* panel, int intent) {
+  // `hadTable`: the object got a table since its last Init.
+  auto send = [&](PanelCorvane* panel, int intent, bool& hadTable) {
     const int got = frame(panel, intent);
+    ++frames;
     badFrames += got < 0 ? 1 : 0;
     tablesSeen += got > 0 ? 1 : 0;
+    notReady += got == 0 && hadTable ? 1 : 0;
+    hadTable = hadTable || got > 0;
   };
 
   std::vector<std::thread> threads;
   threads.emplace_back([&] {  // the colour manager's thread of the primary panel
     bool needs = false;
     ScPayload query = pctest::payloadFor(&needs, 2);
+    bool hadTable = true;  // the rig started it with its tables
     for (int i = 0; i < rounds || binders > 0; ++i) {
       setLevel(primary, i / 3);
       primary->GetProperty(&query);
       if (i % 50 == 0) PanelCorvaneBE::resetAssetSwitches();  // a first ordinary frame again
-      send(primary, intents[i % 4]);
+      send(primary, intents[i % 4], hadTable);
     }
   });
   threads.emplace_back([&] {  // the secondary panel folds and unfolds, with frames between
@@ -56,7 +63,8 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
       }
       secondary->generateCfgFile();  // finds no memory: the panel's tables are not ready
       secondary->Init(kSecondaryName);
-      for (int i = 0; i < rounds / cycles; ++i) send(secondary, intents[(i + c) % 4]);
+      bool hadTable = false;
+      for (int i = 0; i < rounds / cycles; ++i) send(secondary, intents[(i + c) % 4], hadTable);
     }
     folding = false;
   });
@@ -81,6 +89,9 @@ TEST_F(StormTest, FramesCommandsAndFoldsTogether) {
   for (auto& t : threads) t.join();
 
   EXPECT_EQ(badFrames, 0) << "of " << tablesSeen << " tables received";
+  EXPECT_EQ(notReady, 0) << "frames without a table after their object had one";
+  std::printf("storm: %d frames, %d with a table, %d without one after their object had one\n",
+              frames.load(), tablesSeen.load(), notReady.load());
   // Each regeneration's lines stay together: its name line is followed by its own outcome.
   int open = 0, interleaved = 0;
   for (const auto& l : log.lines()) {

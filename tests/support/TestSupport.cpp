@@ -10,8 +10,9 @@
 #include <mutex>
 #include <sstream>
 
-#include "config/Prop.h"
+#include "base/Hardening.h"
 #include "base/PanelCorvaneBase.h"
+#include "config/Prop.h"
 
 namespace pctest {
 
@@ -122,6 +123,8 @@ void resetSharedState() {
   B::sIsLut3dHook = false;
   B::sIsHidlRegitsered = false;
   B::sCurrentPanel = 0;
+  B::sHardenedTables = false;
+  postblend::resetHardenedNotices();
   B::sPrimaryPanel = nullptr;
   B::sSecondaryPanel = nullptr;
   std::lock_guard<std::mutex> lock(B::base_lock_);

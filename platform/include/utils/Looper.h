@@ -73,6 +73,9 @@ class Looper : public RefBase {
   bool isBusy() const;
   // Host only: the last thread that polled this looper has ended (false again when one polls).
   void setOrphaned(bool orphaned) { mOrphaned = orphaned; }
+  // Host only: unique per looper in the process, so that a thread ending late does not take a
+  // new looper at the address of one it polled for that one.
+  uint64_t serial() const { return mSerial; }
 
  protected:
   ~Looper() override;
@@ -97,6 +100,7 @@ class Looper : public RefBase {
   bool mSendingMessage = false;
   bool mPolling = false;
   std::atomic<bool> mOrphaned{false};
+  const uint64_t mSerial;
 };
 
 }  // namespace android
