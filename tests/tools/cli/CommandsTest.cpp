@@ -10,6 +10,7 @@
 #include <fstream>
 #include <limits>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -33,6 +34,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 namespace fs = std::filesystem;
+
+const std::string kLongName(300, 'L');  // a display name no file system can hold
 
 class ExitContract : public pctest::ToolRunner {
  protected:
@@ -65,118 +68,41 @@ class ExitContract : public pctest::ToolRunner {
     ASSERT_EQ(run("mkdevice Long").status, 0);  // a display name no file system can hold, beside two good ones
     std::ofstream(dir + "/Long/odm/etc/PanelCorvane/panelcorvane", std::ios::app) << kLongName << "=0\n";
   }
-  const std::string kLongName = std::string(300, 'L');
 };
+
+// One row per line of exit-contract.txt: status | command | says | never made | cairo.
+struct Row {
+  std::string args;
+  int status = 0;
+  std::string says;       // part of stderr, or of either output on success
+  std::string neverMade;  // a file the command must not leave behind
+  bool needsCairo = false;
+};
+
+std::vector<Row> contractRows() {
+  std::ifstream in(pctest::dataPath("exit-contract.txt"));
+  std::vector<Row> rows;
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line[0] == '#') continue;
+    std::vector<std::string> f;
+    std::istringstream fields(line);
+    for (std::string field; std::getline(fields, field, '|');) {
+      const size_t b = field.find_first_not_of(' ');
+      f.push_back(b == std::string::npos ? "" : field.substr(b, field.find_last_not_of(' ') - b + 1));
+    }
+    f.resize(5);
+    for (size_t at; (at = f[2].find("\\n")) != std::string::npos;) f[2].replace(at, 2, "\n");
+    for (size_t at; (at = f[2].find("{long}")) != std::string::npos;) f[2].replace(at, 6, kLongName);
+    rows.push_back({f[1], std::stoi(f[0]), f[2], f[3], f[4] == "cairo"});
+  }
+  EXPECT_GT(rows.size(), 50u);
+  return rows;
+}
 
 TEST_F(ExitContract, EveryFaultHasItsStatusAndReason) {
   ASSERT_NO_FATAL_FAILURE(writeInputs());
   const bool cairo = pctool::reportSupported();
-  const std::string order = "blue-fastest.txt: entries out of order: entry 1 (line 2) has inputs 0 0 256, expected 256";
-  struct Row {
-    Row(std::string a, int st, std::string s, std::string never = "", bool cairo = false)
-        : args(std::move(a)), status(st), says(std::move(s)), neverMade(std::move(never)), needsCairo(cairo) {}
-    std::string args;
-    int status;
-    std::string says;       // part of stderr, or of either output on success
-    std::string neverMade;  // a file the command must not leave behind
-    bool needsCairo;
-  };
-  const Row rows[] = {
-      // Files that are no files, or missing.
-      {"inspect D", 1, "inspect: D: is a folder, not a file"},
-      {"odf print D", 1, "odf: D: is a folder, not a file"},
-      {"diff t.cube missing.cube", 1, "diff: missing.cube: no such file\n"},
-      {"odf write y.odf --ti3=missing.ti3", 1, "odf: missing.ti3: no such file\n", "y.odf"},
-      // Malformed inputs name their line.
-      {"export bad.cube o.txt", 1, "export: bad.cube: line 2 malformed: want 3 numbers, found 2\n", "o.txt"},
-      {"inspect huge.cube", 1, "inspect: huge.cube: line 1 unsupported: LUT_3D_SIZE 129 (2..65)\n"},
-      {"apply t.cube bad.csv out.csv", 1, "apply: bad.csv: line 1 malformed: want three values r,g,b\n", "out.csv"},
-      {"apply t.cube not.png out.png", 1, "apply: not.png: ", "out.png"},
-      {"odf write y.odf --ti3 bad.ti3", 1, "bad.ti3:6: row has 2 values, the data format names 6 fields\n", "y.odf"},
-      {"export blue-fastest.txt o.cube", 1, order, "o.cube"},
-      {"verify blue-fastest.txt", 1, order},
-      {"inspect blue-fastest.txt", 1, order},
-      // Data no panel or target can be: refused, never a "nan" in the answer.
-      {"inspect x.odf", 1, "inspect: x.odf: CRC mismatch: stored 0x0101, computed "},
-      {"report --odf x.odf -o p.png", 1, "report: x.odf: CRC mismatch", "p.png", true},
-      {"odf print zero.odf", 1, "zero.odf: impossible: white Y: luminance 0: nothing was measured"},
-      {"inspect zero.odf", 1, "zero.odf: impossible: white Y: luminance 0"},
-      {"odf write z.odf zero.txt", 1, "zero.txt: impossible: white Y: luminance 0", "z.odf"},
-      {"verify t.cube --odf good.odf --target redgreen.txt", 1, "redgreen.txt: impossible: red and green: coincide"},
-      {"inspect exp45.txt", 1, "exp45.txt: impossible: exponent parameter (value 9): 45.2 decodes with power 0.02212"},
-      {"verify t.cube --odf zero.odf --target exp45.txt", 1, "zero.odf: impossible: white Y"},
-      // Numbers and files an optical data file cannot be.
-      {"odf write f.odf float.txt", 1, "float.txt:14: '5e39' does not fit a float of the optical data file", "f.odf"},
-      {"odf write f.odf padded.odf", 1, "padded.odf: binary data (an optical data file?), not measurement text", "f.odf"},
-      {"odf print inf.odf", 0, "warning: floats outside the measured fields: not finite at 30 (inf)"},
-      {"odf print padded.odf", 0, "warning: 1024 bytes, padded beyond the 510 of an optical data file: the plugin reads "
-                                  "the first 510 (127 floats and the CRC) and ignores the other 514"},
-      {"inspect padded.odf", 0, "warning: 1024 bytes, padded beyond the 510"},
-      {"odf icc zero.odf z.icc", 1, "zero.odf: impossible: white Y", "z.icc"},
-      {"verify t.cube --odf good.odf --target srgb.txt --chart c.ti1", 2, "--chart needs --measured"},
-      {"verify t.cube --odf good.odf --target srgb.txt --max-de 0", 2, "--max-de wants"},
-      // Outputs that cannot be written.
-      {"odf write /dev/full m.txt", 1, "/dev/full: cannot write: No space left on device"},
-      {"export t.cube /dev/full", 1, "/dev/full: cannot write: No space left on device"},
-      {"report --odf good.odf -o /dev/full", 1, "/dev/full: cannot write: No space left on device", "", true},
-      {"apply t.cube c.csv no/such/folder/out.csv", 1, "apply: no/such/folder/out.csv: "},
-      {"odf patches --ti1 no/such/folder/x.ti1", 1, "no/such/folder/x.ti1: cannot create"},
-      {"verify --lot L --csv plain/x.csv", 1, "plain/x.csv: "},
-      // Device trees and lots that are none.
-      {"simulate --device=D --out O --session session.txt --primary=Foo", 1,
-       "O/device/odm/etc/PanelCorvane/panelcorvane: does not map the display name 'Foo' (it maps: "
-       "PanelCorvane_primary, PanelCorvane_secondary)"},
-      {"simulate --device Broken --out B --session session.txt", 1, "primary: the tables never became ready"},
-      {"simulate --device Broken --out O --session session.txt", 1, "simulate: O: holds a copy of the device tree /"},
-      // Paths a display name makes: the display named with the reason, the others still reported.
-      {"report Long -o lp", 1, "report: Long: display " + kLongName + ": its files cannot be looked at (File name too long)\n",
-       "", true},
-      {"simulate --device Long --out LO --session session.txt", 1,
-       "LO/device: display " + kLongName + ": its files cannot be looked at (File name too long): no report page", "", true},
-      {"simulate --device D --out plain/sub --session session.txt", 1, "plain/sub: output folder: cannot create"},
-      {"simulate --device D --out O --session D", 1, "simulate: D: is a folder, not a file"},
-      {"mkdevice plain", 1, "mkdevice: plain: not a folder"},
-      {"mkdevice --lot 5 plain", 1, "plain: not a folder"},
-      {"verify --lot notatree", 1, "notatree: no device tree in it"},
-      {"verify --lot missing", 1, "missing: no such folder"},
-      {"verify --lot plain", 1, "plain: not a folder"},
-      // Bad usage.
-      {"simulate --device D --out O --session", 2, "--session needs a value"},
-      {"verify t.cube --bogus", 2, "unknown option --bogus"},
-      {"verify t.cube --odf x.odf", 2, "verify: --odf and --target go together\n"},
-      {"verify t.cube --measured m.txt", 2, "verify: --measured needs --odf and --target\n"},
-      {"verify t.cube --png page.png", 2, "", "page.png"},
-      {"verify --patches-ti1", 2, ""},
-      {"odf patches odf.ti1", 2, ""},
-      {"export only-one-argument", 2, "export: needs INPUT and OUTPUT\n"},
-      {"apply t.cube c.csv out.png", 2, ""},
-      {"apply t.cube c.txt out.txt", 2, ""},
-      {"apply t.cube c.csv out.csv --interp cubic", 2, ""},
-      {"apply t.cube c.csv out.csv --grid odd", 2, ""},
-      {"diff t.cube", 2, ""},
-      {"diff t.cube t.cube --tolerance -1", 2, ""},
-      {"diff t.cube t.cube --table 9", 2, ""},
-      {"mkdevice", 2, "DIR missing"},
-      {"mkdevice --lot 0 M", 2, "--lot wants a panel count"},
-      {"mkdevice --lot 100001 M", 2, "--lot wants a panel count"},
-      {"mkdevice --lot 5", 2, "DIR missing"},
-      {"mkdevice --lot 5 M --tables 6", 2, "unknown option --tables"},
-      {"mkdevice --lot 5 M -j 0", 2, "-j wants"},
-      {"verify --lot", 2, "needs at least one DIR"},
-      {"verify --lot L --max-de -1", 2, "--max-de wants"},
-      {"verify --lot L --xy-tolerance 0", 2, "--xy-tolerance wants"},
-      {"verify --lot L -j0", 2, "-j wants"},
-      {"verify --lot L --bogus", 2, "unknown option --bogus"},
-      // Done, with what an engineer must hear.
-      {"apply t.cube c.csv out.csv --interp trilinear", 0, "wrote out.csv: 1 colours (8-bit values)"},
-      {"inspect big.cube", 0, "note: resampled from 33 nodes (tetrahedral)\n"},
-      {"odf write rel.odf --ti3 rel.ti3", 0, "rel.ti3: warning: no LUMINANCE_XYZ_CDM2 in the header: the XYZ values are "
-                                             "taken as they are, not scaled to cd/m2\n"},
-      {"verify --lot L --png page.png -j1", 0, "", "", true},
-      {"export big.cube hook.txt", 0, "export: big.cube: note: resampled from 33 nodes (tetrahedral)\n"},
-      {"report D -o new/pages", 0, "report-PanelCorvane_secondary.png", "", true},
-  };
-  for (const auto& row : rows) {
+  for (const auto& row : contractRows()) {
     if (row.needsCairo && !cairo) continue;
     const pctest::ToolRun r = run(row.args);
     EXPECT_EQ(r.status, row.status) << row.args << "\n" << r.err;
