@@ -95,17 +95,6 @@ TEST_F(LotVerify, TablesAreThePluginsBitForBit) {
   expectSameAsPlugin(dir + "/C", dir + "/CS/device");
 }
 
-// Each panel's stamp file against its line of the driver's file; a missing one is no match.
-TEST_F(LotVerify, IdentityIsJudgedPerPanel) {
-  pctest::LogCapture quiet;  // the identity check logs as in the plugin
-  ASSERT_EQ(run("mkdevice D").status, 0);
-  EXPECT_TRUE(pctool::identityMatches(dir + "/D", 1));
-  root.remove("/D/mnt/vendor/persist/display/panel_id");
-  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 0)) << "no stamp";
-  root.write("/D/dev/tarnu_display", pctool::syntheticSerial(1, 0) + "\n");
-  EXPECT_FALSE(pctool::identityMatches(dir + "/D", 1)) << "no serial number";
-}
-
 // Every folder of the lot is in one class, named with its reason, whatever the thread count:
 // a faulty panel is not on its own data and outside the yield, an unreadable one fails the run.
 TEST_F(LotVerify, EveryFolderIsInOneClassWhateverTheThreadCount) {

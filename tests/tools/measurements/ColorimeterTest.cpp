@@ -108,24 +108,6 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
   ToolRun r = run("odf print abs.odf");
   EXPECT_THAT(r.out, HasSubstr("white  X   380.1880  Y   400.0000"));
 
-  std::vector<pctool::Patch> patches = pctool::odfPatches();
-  patches.erase(patches.begin() + 10);  // level 512
-  sRgbReadings("short.ti3", patches, true);
-  pctool::CgatsTable same = pctool::ti1Table(pctool::odfPatches(), "readings");
-  same.identifier = "CTI3";
-  for (int k = 4; k < 7; ++k) same.rows[2][k] = same.rows[1][k];  // green read as red
-  root.write("/same.ti3", pctool::formatCgats(same));
-  const std::pair<std::string, std::string> unusable[] = {
-      {"short.ti3", "short.ti3:1: no reading of grey 512 (RGB 12.5031 12.5031 12.5031 %); x.odf not written"},
-      {"same.ti3", "impossible: red and green: coincide"},
-  };
-  for (const auto& [ti3, says] : unusable) {
-    r = run("odf write x.odf --ti3 " + ti3);  // nothing written from unusable readings
-    EXPECT_EQ(r.status, 1) << ti3;
-    EXPECT_THAT(r.err, HasSubstr(says));
-    EXPECT_FALSE(root.exists("/x.odf")) << ti3;
-  }
-
   // An sRGB panel through an identity table against the sRGB target: nothing to correct.
   sRgbReadings("post.ti3", pctool::verifyPatches(), false);
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3 --json");
@@ -142,7 +124,7 @@ TEST_F(Colorimeter, AnSrgbPanelReadAndVerifiedThroughTheTool) {
     EXPECT_EQ(r.status, 1);
     EXPECT_THAT(r.err, HasSubstr("without cairo"));
   }
-  patches = pctool::verifyPatches();
+  std::vector<pctool::Patch> patches = pctool::verifyPatches();
   patches.erase(patches.begin() + 5);  // grey 96
   sRgbReadings("post.ti3", patches, false);
   r = run("verify identity.cube --odf abs.odf --target srgb.txt --measured post.ti3");

@@ -167,21 +167,6 @@ TEST_F(ApplyCommand, PngAgreesWithFfmpegLut3dAndKeepsAlpha) {
   }
 }
 
-// A 16-bit image keeps the table's 12-bit codes: each output sample reads back as a whole code.
-TEST_F(ApplyCommand, SixteenBitImagesKeepTheTwelveBitCodes) {
-  std::string err;
-  ASSERT_TRUE(pctool::CubeFile::writeFile(dir + "/id.cube", pctest::identityTables(1)[0], "id", err)) << err;
-  const pctool::Image in = writePng("deep.png", 3, 16);
-  ASSERT_EQ(run("apply id.cube deep.png out.png").status, 0);
-  const pctool::Image out = readPng("out.png");
-  ASSERT_EQ(out.depth, 16);
-  for (size_t i = 0; i < out.samples.size(); ++i) {
-    const long code = std::lround(out.samples[i] * 4095.0 / 65535);  // the identity on the device grid
-    ASSERT_EQ(code, std::lround(in.samples[i] * 4095.0 / 65535)) << i;
-    ASSERT_EQ(out.samples[i], std::lround(code * 65535.0 / 4095)) << i;
-  }
-}
-
 std::string zlibbed(const std::string& bytes) {
   uLongf size = compressBound(bytes.size());
   std::string out(size, '\0');
