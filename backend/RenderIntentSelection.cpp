@@ -10,6 +10,7 @@
 #include <string>
 
 #include "backend/LutTextFile.h"
+#include "backend/ModeTable.h"
 #include "backend/PanelCorvaneBE.h"
 #include "base/Algorithm.h"
 #include "base/DeviceIo.h"
@@ -63,8 +64,6 @@ const std::string* const kSlotNames[kNumSlots] = {
 
 constexpr int kModeDebugFile = 50;
 constexpr int kModeAllOff = 100;
-constexpr int kModeCinemaNoPa = 309;  // table 5 without the PA and dither switches
-constexpr int kModeVividNoPa = 310;   // table 1 without the PA and dither switches
 constexpr const char* kDebugLutPath = "/odm/etc/PanelCorvane/Lut3D.txt";
 constexpr uint32_t kDebugLutId = 50;
 
@@ -140,10 +139,10 @@ void applyTable(PanelCorvaneBE& be, Slots& slots, int mode, const FrameTables& t
   disableIf(slots[kGC], PanelCorvaneBE::sGCDisable);
   disableIf(slots[kIGC], PanelCorvaneBE::sIGCDisable);
   if (mode == kModeCinemaNoPa) {
-    mode = 5;
+    mode = tableOfMode(mode);
     if (dbgOn(kDbgVerbose)) PC_LOGD_AS(kFn, "%d-->%d (%d)\n", kModeCinemaNoPa, mode, 302);
   } else if (mode == kModeVividNoPa) {
-    mode = 1;
+    mode = tableOfMode(mode);
     if (dbgOn(kDbgVerbose)) PC_LOGD_AS(kFn, "%d-->%d\n", kModeVividNoPa, mode);
   } else {
     disableIf(slots[kPA], PanelCorvaneBE::sPaConfigDisable);

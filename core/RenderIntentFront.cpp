@@ -6,6 +6,7 @@
 
 #include <cstdio>
 
+#include "backend/ModeTable.h"
 #include "backend/PanelCorvaneBE.h"
 #include "base/Hardening.h"
 #include "base/Log.h"
@@ -103,8 +104,8 @@ int PanelCorvane::chooseMode(int gamut, int intent, int forced) {
 }
 
 int PanelCorvane::offeredMode(int mode, const TableSet* set) {
-  const int table = mode == 309 ? 5 : mode == 310 ? 1 : mode;
-  if (table < 0 || table > 7) return mode;  // no table of the panel's array
+  const int table = tableOfMode(mode);
+  if (table < 0) return mode;  // no table of the panel's array
   if (set != nullptr && static_cast<uint32_t>(table) < set->made) return mode;
   if (hardenedFirst(HardenedCause::kModeNotOffered)) {
     PC_LOGE_AS("ProcessModeRenderIntent", "hardened: mode %d has no tables, mode %d kept\n", mode,
@@ -117,7 +118,9 @@ FrameTables PanelCorvane::frameTables(const TableSet* set) {
   FrameTables t;
   if (set == nullptr) {
     // Withdrawn (a DeInit of this panel): as released tables, whose count survives.
-    t.slots = mPanelIndex < 2 ? Lut3DCacheManager::sNumOfLut3D[mPanelIndex].load() : 0;
+    t.slots = mPanelIndex < Lut3DCacheManager::kNumPanels
+                  ? Lut3DCacheManager::sNumOfLut3D[mPanelIndex].load(std::memory_order_relaxed)
+                  : 0;
     return t;
   }
   if (mScratchGeneration != set->generation) {
