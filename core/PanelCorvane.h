@@ -130,6 +130,8 @@ class PanelCorvane : public ScPostBlendInterface,
   int offeredMode(int mode, const TableSet* set);
   // The pinned set's even tables and this object's odd ones, refreshed from a new set.
   FrameTables frameTables(const TableSet* set);
+  // After an interpolation rewrote odd table `mode` of `tables`: its verdict now.
+  void judgeOddScratch(int mode, FrameTables& tables);
 
   // What the control commands may ask of this object.
   class ControlPort final : public ControlTarget {
@@ -178,6 +180,9 @@ class PanelCorvane : public ScPostBlendInterface,
   // refreshed from a set whose generation differs from mScratchGeneration.
   std::unique_ptr<lut3d_info[]> mOddScratch;
   uint64_t mScratchGeneration = 0;
+  // Their verdicts, where bit k of mOddJudged says verdict k is that of the scratch as it is now.
+  TableVerdict mOddVerdict[kMaxTables / 2] = {};
+  uint32_t mOddJudged = 0;
   // The worker only.
   android::sp<qService::IQService> mQService;
   // Colour manager's thread only (Init, DeInit, the destructor).

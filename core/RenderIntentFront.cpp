@@ -125,7 +125,11 @@ FrameTables PanelCorvane::frameTables(const TableSet* set) {
   }
   if (mScratchGeneration != set->generation) {
     // A new set: its full-brightness tables until the brightness next changes.
-    for (uint32_t k = 1; k < set->count; k += 2) mOddScratch[k / 2] = set->tables[k];
+    for (uint32_t k = 1; k < set->count; k += 2) {
+      mOddScratch[k / 2] = set->tables[k];
+      mOddVerdict[k / 2] = set->verdict[k];
+    }
+    mOddJudged = ~0u;
     mScratchGeneration = set->generation;
   }
   t.slots = set->count;
@@ -134,6 +138,8 @@ FrameTables PanelCorvane::frameTables(const TableSet* set) {
   for (uint32_t k = 0; k < set->count; ++k) {
     if (k % 2 == 1) {
       t.table[k] = t.odd[k] = &mOddScratch[k / 2];
+      t.judged |= mOddJudged & (1u << k);
+      t.verdict[k] = mOddVerdict[k / 2];
     } else {
       t.table[k] = &set->tables[k];
       t.judged |= 1u << k;
@@ -141,6 +147,19 @@ FrameTables PanelCorvane::frameTables(const TableSet* set) {
     }
   }
   return t;
+}
+
+void PanelCorvane::judgeOddScratch(int mode, FrameTables& tables) {
+  const uint32_t bit = 1u << mode;
+  // Hardened, the rewritten table is judged once here rather than on every frame that hands it.
+  if (hardened() && tables.odd[mode] != nullptr) {
+    tables.verdict[mode] = mOddVerdict[mode / 2] = tableVerdict(*tables.odd[mode]);
+    tables.judged |= bit;
+    mOddJudged |= bit;
+  } else {
+    tables.judged &= ~bit;
+    mOddJudged &= ~bit;
+  }
 }
 
 int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* output) {
@@ -198,7 +217,7 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
   if (mode != mPreMode) refresh();
 
   if (mode != kModeBypass) {
-    const FrameTables tables = frameTables(set.get());
+    FrameTables tables = frameTables(set.get());
     const uint32_t brightness = sBrightness;
     if (mode <= 7) {
       if (dbgOn(kDbgTrace)) {
@@ -209,6 +228,7 @@ int PanelCorvane::ProcessModeRenderIntent(const ScPayload& input, ScPayload* out
       if (brightness != mLastTableBrightness) {
         if (mBE) mBE->calLut3d(mode, static_cast<int>(interpolationLevel(brightness)), tables);
         mLastTableBrightness = brightness;
+        if (mode % 2 == 1) judgeOddScratch(mode, tables);
       }
     }
     traceMark("setLut3d");
