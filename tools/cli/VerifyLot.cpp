@@ -2,9 +2,7 @@
 // yield, distribution and outliers (tools/lib/lot/LotVerify.h).
 #include <pchost/host.h>
 
-#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 #include "tools/cli/Command.h"
 #include "tools/cli/LotCommands.h"
@@ -58,9 +56,7 @@ int usage(const std::string& why) {
 }
 
 bool parseLimit(const std::string& s, double top, double& out) {
-  char* end = nullptr;
-  out = std::strtod(s.c_str(), &end);
-  return !s.empty() && *end == '\0' && std::isfinite(out) && out > 0 && out <= top;
+  return parseNumber(s, out) && out > 0 && out <= top;
 }
 
 }  // namespace
